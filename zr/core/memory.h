@@ -1,0 +1,121 @@
+// Allocation and reference-counted element blocks.
+//
+// zrMalloc, zrRealloc and zrFree are the only way the library allocates. They never
+// return null: exhaustion throws zrErrNoMemory with the size that was asked for.
+//
+// A reference-counted block is one zrMalloc allocation holding an 8-byte header in
+// front of its elements. Users hold the address of element 0 (the "user pointer"):
+//
+//   user - 8   int32   holder count, 1 when the block is made
+//   user - 4   int32   minus the element count n (n >= 1); the negative sign marks a
+//                      block that zrNewWithRef made
+//   user + 0   n * sizeof(T) bytes of elements
+//
+// Sharing a block costs one increment of the holder count and no separate control
+// block. The counts are plain integers: no block may be used from two threads at once.
+//
+// Element 0 sits 8 bytes into a malloc'ed region, so it is 8-byte aligned; element types
+// that need more alignment are refused at compile time.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <cstring>
+#include <new>
+#include <type_traits>
+
+#include "zr/core/exceptions.h"
+#include "zr/core/export.h"
+
+// malloc(size); throws zrErrNoMemory(size) when it gives null. A size of 0 is passed on
+// unchecked (the C library decides what it returns).
+ZR_API void* zrMalloc(std::uint64_t size);
+// realloc(p, size); throws zrErrNoMemory(size) when it gives null, and the old block
+// then stays valid and the caller's.
+ZR_API void* zrRealloc(void* p, std::uint64_t size);
+// free(p); a null pointer is ignored.
+ZR_API void zrFree(void* p);
+
+namespace zr::detail {
+
+constexpr std::uint64_t kBlockHeader = 8;
+
+inline std::int32_t* BlockHeader(const void* user) {
+  return static_cast<std::int32_t*>(const_cast<void*>(user)) - 2;
+}
+
+// The word at user - 4: negative (minus the element count) for a counted block.
+inline std::int32_t BlockMark(const void* user) { return BlockHeader(user)[1]; }
+
+// The element count of a counted block: the magnitude of its mark.
+inline std::int32_t BlockCount(const void* user) {
+  const std::int32_t mark = BlockMark(user);
+  return mark < 0 ? -mark : mark;
+}
+
+// Allocates a block of n elements of `size` bytes with the given holder count and
+// returns its user pointer; n >= 1 is the caller's business. The elements are raw.
+ZR_API void* NewBlock(std::int32_t n, std::uint64_t size, std::int32_t holders);
+
+// Frees the whole allocation behind a user pointer: at user - 8 for a counted block,
+// at user - 4 for memory without the mark.
+ZR_API void FreeBlock(const void* user) noexcept;
+
+[[noreturn]] ZR_API void ThrowNewWithRefCount();
+
+}  // namespace zr::detail
+
+// Makes a block of n elements, stores its user pointer in p and returns it. Elements of
+// trivial types are left uninitialised; others are default-constructed, and if one of
+// those constructors throws, the ones already made are destroyed and the block is freed
+// before the exception goes on. n < 1 throws BadParameters("zrNewWithRef : n <= 0 ")
+// and allocates nothing.
+template <class T>
+T* zrNewWithRef(T*& p, int n) {
+  static_assert(alignof(T) <= zr::detail::kBlockHeader, "block elements are 8-byte aligned");
+  if (n < 1) zr::detail::ThrowNewWithRefCount();
+  T* const first = static_cast<T*>(zr::detail::NewBlock(n, sizeof(T), 1));
+  if constexpr (!std::is_trivially_default_constructible_v<T>) {
+    int made = 0;
+    try {
+      for (; made < n; ++made) ::new (static_cast<void*>(first + made)) T;
+    } catch (...) {
+      while (made > 0) first[--made].~T();
+      zr::detail::FreeBlock(first);
+      throw;
+    }
+  }
+  p = first;
+  return first;
+}
+
+// Adds a holder. Memory without the negative mark throws
+// BadParameters("zrIncMemRef : memory must be allocated with zrNewWithRef.").
+ZR_API void zrIncMemRef(const void* p);
+
+// Removes a holder that is known not to be the last one; never frees. Memory without the
+// mark throws "zrDecMemRef : memory must be allocated with zrNewWithRef."; a count that
+// falls below 1 throws "zrDecMemRef : Number of reference <= 0." and stays lowered.
+ZR_API void zrDecMemRef(const void* p);
+
+// The holder count, writable. Memory without the mark throws the same text as
+// zrIncMemRef, which it names (the text is shared on purpose).
+ZR_API std::int32_t& zrGetMemRef(const void* p);
+
+// Gives up one holder of a block and frees it when none is left; elements of class type
+// are destroyed first (all |mark| of them). A null pointer is ignored. Memory without the
+// negative mark is treated as a plain block with a 4-byte prefix and freed at once.
+// Never throws.
+template <class T>
+void zrDeleteWithRef(T* p) noexcept {
+  if (!p) return;
+  const std::int32_t mark = zr::detail::BlockMark(p);
+  if (mark < 0) {
+    std::int32_t& holders = zr::detail::BlockHeader(p)[0];
+    if (--holders > 0) return;
+    if constexpr (!std::is_void_v<T> && !std::is_trivially_destructible_v<T>) {
+      for (std::int32_t i = -mark; i > 0; --i) p[i - 1].~T();
+    }
+  }
+  zr::detail::FreeBlock(p);
+}

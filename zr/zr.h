@@ -1,0 +1,5 @@
+// zr: the whole library. #include <zr/zr.h> with the repository root as include root.
+#pragma once
+
+#include "zr/arrays/arrays.h"
+#include "zr/core/core.h"
