@@ -2,9 +2,12 @@
 
 #include <string>
 
+#include "support/test_support.h"
 #include "zr/zr.h"
 
 namespace {
+
+using zr_test::BadParametersText;
 
 // A minimal array of doubles over the base: an origin, a length and an extent below the
 // origin, with the base's own SetMem and block pointer handling.
@@ -29,16 +32,6 @@ class Doubles : public zrPArray {
   int length_ = 0;
   int negative_ = 0;
 };
-
-template <class F>
-std::string MessageOf(F&& f) {
-  try {
-    f();
-  } catch (const BadParameters& e) {
-    return e.GetMessageText();
-  }
-  return "(no exception)";
-}
 
 }  // namespace
 
@@ -69,7 +62,7 @@ TEST(PArray, SharingStatesFollowTheBlockCount) {
   EXPECT_EQ(owner.IsShared(), 0);
 
   // Switching the sole holder away would leave the block without holders.
-  EXPECT_EQ(MessageOf([&] { owner.SetMem(nullptr); }),
+  EXPECT_EQ(BadParametersText([&] { owner.SetMem(nullptr); }),
             "Invalid parameters : zrDecMemRef : Number of reference <= 0.");
   EXPECT_EQ(zrGetMemRef(block), 0);
   zrGetMemRef(block) = 1;
@@ -84,7 +77,7 @@ TEST(PArray, SetMemRefusesMemoryWithoutTheMarkAndKeepsItsBlock) {
 
   auto* raw = static_cast<double*>(zrMalloc(4 * sizeof(double)));
   reinterpret_cast<int*>(raw)[1] = 5;  // the word before raw + 1 is not negative
-  EXPECT_EQ(MessageOf([&] { a.SetMem(raw + 1); }),
+  EXPECT_EQ(BadParametersText([&] { a.SetMem(raw + 1); }),
             "Invalid parameters : zrIncMemRef : memory must be allocated with zrNewWithRef.");
   EXPECT_EQ(a.GetMem(), block);
   EXPECT_EQ(zrGetMemRef(block), 2);
@@ -120,9 +113,9 @@ TEST(PArray, BlockRangeAndBoundaryChecks) {
   // 10 elements from element 5 run 24 bytes past the 96-byte block.
   EXPECT_EQ(a.CheckPointer(), 0);
   EXPECT_EQ(a.CheckPointer(nullptr, 0), 0);
-  EXPECT_EQ(MessageOf([&] { a.CheckPointerWithThrow(); }),
+  EXPECT_EQ(BadParametersText([&] { a.CheckPointerWithThrow(); }),
             "Invalid parameters : CheckPointer : Invalid pointer or range.");
-  EXPECT_EQ(MessageOf([&] { a.CheckPointerWithThrow(block, 1000); }),
+  EXPECT_EQ(BadParametersText([&] { a.CheckPointerWithThrow(block, 1000); }),
             "Invalid parameters : CheckPointer : Invalid pointer or range.");
 
   Doubles fits(block + 5, 7);
@@ -160,7 +153,7 @@ TEST(PArray, ExternalArraysAreCheckedAgainstTheGivenBytes) {
   EXPECT_EQ(a.CheckPointer(data + 1, 80), 0);  // starts before the given memory
 
   // Without a block the argument-free check passes without looking at memory.
-  Doubles wild(reinterpret_cast<double*>(static_cast<std::uintptr_t>(0x10)), 1000);
+  Doubles wild(reinterpret_cast<double*>(std::uintptr_t{0x10}), 1000);  // NOLINT
   EXPECT_EQ(wild.CheckPointer(), 1);
 
   Doubles reaching_back(data + 2, 8, 2);
@@ -171,12 +164,14 @@ TEST(PArray, ExternalArraysAreCheckedAgainstTheGivenBytes) {
 TEST(PArray, BaseHasNoFlatForm) {
   Doubles a;
   unsigned char buffer[8] = {};
-  EXPECT_EQ(MessageOf([&] { a.MemSize(); }), "Invalid parameters : Have not zrPArray::MemSize");
-  EXPECT_EQ(MessageOf([&] { zrToMem(buffer, a); }),
+  EXPECT_EQ(BadParametersText([&] { a.MemSize(); }),
+            "Invalid parameters : Have not zrPArray::MemSize");
+  EXPECT_EQ(BadParametersText([&] { zrToMem(buffer, a); }),
             "Invalid parameters : Have not zrPArray::ToMem");
-  EXPECT_EQ(MessageOf([&] { zrFromMem(buffer, a); }),
+  EXPECT_EQ(BadParametersText([&] { zrFromMem(buffer, a); }),
             "Invalid parameters : Have not zrPArray::FromMem");
-  EXPECT_EQ(MessageOf([&] { zrMemSize(a); }), "Invalid parameters : Have not zrPArray::MemSize");
+  EXPECT_EQ(BadParametersText([&] { zrMemSize(a); }),
+            "Invalid parameters : Have not zrPArray::MemSize");
 }
 
 TEST(PArray, IdentityIsThatOfTheBase) {

@@ -11,13 +11,15 @@
 // -1 for n < 1.
 ZR_API int zrIntLog2(int n);
 
-// Uniform in (0, 1]. Each call advances the state x by
+// Uniform in (0, 1). Each call advances the state x by
 //   q = x / 113 (truncated);  x = 113 * x - 12703 * q;  if x > 12703: x -= 12703
 // and returns x / 12703.0. The 113 in the division fixes the sequence and is kept.
+// From the load-time state the sequence runs through 1..12702 with period 12702, so a
+// draw is never 0 and never 1.
 ZR_API double rnd();
 // a + rnd() * (b - a).
 ZR_API double randab(double a, double b);
 // Approximately normal: (sum of 12 draws - 6.0) * sd + mean.
 ZR_API double Normal(double mean, double sd);
-// Exponential: -ln(rnd()) / lambda. rnd() may give exactly 1, and then this gives 0.
+// Exponential: -ln(rnd()) / lambda; always finite and positive for lambda > 0.
 ZR_API double NegExp(double lambda);

@@ -105,8 +105,8 @@ class ZR_API zrRefCount : public zrUsingNew {
 // raises the object's count; letting go lowers it and deletes the object below 1.
 //
 // Taking a new pointer releases the old object before counting the new one. Setting
-// the pointer that a sole holder already holds (including self-assignment) therefore
-// deletes the object first; callers never do that.
+// the pointer that a sole holder already holds therefore deletes the object first;
+// callers never do that.
 template <class T>
 class zrAutoDelPointer {
  public:
@@ -122,10 +122,10 @@ class zrAutoDelPointer {
     p_ = p;
     if (p_) p_->IncreaseRefCount();
   }
-  // Self-assignment of a sole holder deletes the object (see above).
-  zrAutoDelPointer& operator=(
-      const zrAutoDelPointer& other) {  // NOLINT(bugprone-unhandled-self-assignment)
-    SetPointer(other.p_);
+  // SetPointer with the other's pointer. Assigning a holder to itself changes nothing:
+  // through SetPointer it would delete a solely held object and then count freed memory.
+  zrAutoDelPointer& operator=(const zrAutoDelPointer& other) {
+    if (this != &other) SetPointer(other.p_);
     return *this;
   }
   T* operator=(T* p) {

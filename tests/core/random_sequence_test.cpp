@@ -1,0 +1,29 @@
+// The generator's sequence from its load-time state, 7531. Nothing else in this program
+// may draw a number before these tests.
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <vector>
+
+#include "zr/zr.h"
+
+TEST(RandomSequence, StartsFromTheLoadTimeStateAndRunsAFullPeriod) {
+  // The first draw: q = 7531 / 113 = 66, x = 113 * 7531 - 12703 * 66 = 12605.
+  for (int x : {12605, 1629, 6235, 5890, 5014}) EXPECT_EQ(rnd(), x / 12703.0);
+
+  // 113 generates the nonzero residues of the prime 12703: every state but one shows up
+  // once in 12702 draws, and then the sequence is back at 7531.
+  std::vector<bool> seen(12704);
+  for (int x : {12605, 1629, 6235, 5890, 5014}) seen[x] = true;
+  int x = 5014;
+  for (int draw = 6; draw <= 12702; ++draw) {
+    const double r = rnd();
+    x = static_cast<int>(std::lround(r * 12703));
+    ASSERT_EQ(r, x / 12703.0) << draw;
+    ASSERT_GE(x, 1) << draw;
+    ASSERT_FALSE(seen[x]) << "state " << x << " again at draw " << draw;
+    seen[x] = true;
+  }
+  EXPECT_EQ(x, 7531);
+  EXPECT_EQ(rnd(), 12605 / 12703.0);
+}
