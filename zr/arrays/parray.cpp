@@ -73,4 +73,4 @@ int zrPArray::ByteNegativeLength() const {
 
 int zrPArray::MemSize() const { ThrowHaveNot("Have not zrPArray::MemSize"); }
 int zrPArray::ToMem(unsigned char*) const { ThrowHaveNot("Have not zrPArray::ToMem"); }
-int zrPArray::FromMem(unsigned char*) { ThrowHaveNot("Have not zrPArray::FromMem"); }
+int zrPArray::FromMem(const unsigned char*) { ThrowHaveNot("Have not zrPArray::FromMem"); }

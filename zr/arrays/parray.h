@@ -82,7 +82,7 @@ class ZR_API zrPArray : public zrRefCount {
   // likewise); the classes that serialise override all three.
   virtual int MemSize() const;
   virtual int ToMem(unsigned char* buffer) const;
-  virtual int FromMem(unsigned char* buffer);
+  virtual int FromMem(const unsigned char* buffer);
 
  protected:
   // Sets the block pointer without counting.
@@ -99,4 +99,4 @@ class ZR_API zrPArray : public zrRefCount {
 // The free entry points of the flat form, forwarding to the object.
 inline int zrMemSize(const zrPArray& a) { return a.MemSize(); }
 inline int zrToMem(unsigned char* buffer, const zrPArray& a) { return a.ToMem(buffer); }
-inline int zrFromMem(unsigned char* buffer, zrPArray& a) { return a.FromMem(buffer); }
+inline int zrFromMem(const unsigned char* buffer, zrPArray& a) { return a.FromMem(buffer); }

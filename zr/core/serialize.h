@@ -45,7 +45,7 @@ int RawFromMem(const unsigned char* buffer, T& value) {
   inline int zrToMem(unsigned char* buffer, const T& v) {                \
     return zr::detail::RawToMem(buffer, v);                              \
   }                                                                      \
-  inline int zrFromMem(unsigned char* buffer, T& v) { return zr::detail::RawFromMem(buffer, v); }
+  inline int zrFromMem(const unsigned char* buffer, T& v) { return zr::detail::RawFromMem(buffer, v); }
 ZR_FOR_EACH_SCALAR(ZR_DETAIL_RAW_FORM)
 #if LONG_MAX == LLONG_MAX
 ZR_DETAIL_RAW_FORM(long)
