@@ -3,3 +3,4 @@
 
 #include "zr/arrays/arrays.h"
 #include "zr/core/core.h"
+#include "zr/values/values.h"

@@ -1,7 +1,7 @@
 // The exception family and its one shared message buffer.
 #include <gtest/gtest.h>
 
-#include <cstdio>
+#include <cstdint>
 #include <cstring>
 #include <string>
 
@@ -23,37 +23,24 @@ std::string Numbered(int n) {
 }  // namespace
 
 TEST(BadParameters, PrefixesTheTextAndCutsItToFitTheBuffer) {
-  try {
-    throw BadParameters();
-  } catch (const BadParameters& e) {
-    EXPECT_STREQ(e.GetMessageText(), "Invalid parameters.");
-  }
-  try {
-    throw BadParameters("Index out of range.  ");
-  } catch (const BadParameters& e) {
-    EXPECT_EQ(e.GetMessageText(), kPrefix + "Index out of range.  ");
-  }
+  EXPECT_STREQ(BadParameters().GetMessageText(), "Invalid parameters.");
+  EXPECT_EQ(BadParameters("Index out of range.  ").GetMessageText(),
+            kPrefix + "Index out of range.  ");
 
   // 21 characters of prefix and 490 of the text fill the 511 characters before the final zero.
   const std::string long_text = Numbered(600);
   BadParameters cut(long_text.c_str());
   EXPECT_EQ(std::strlen(Buffer()), 511u);
-  EXPECT_EQ(Buffer()[511], 0);
   EXPECT_EQ(std::string(cut.GetMessageText()), kPrefix + long_text.substr(0, 490));
 
   // A text read from the buffer can be handed back: the prefix comes twice, nothing garbled.
   BadParameters again(zrExceptionWithMessageGetMessage());
   EXPECT_EQ(std::string(Buffer()), (kPrefix + kPrefix + long_text).substr(0, 511));
-  const BadParameters abc("abc");
-  BadParameters twice(zrExceptionWithMessageGetMessage());
-  EXPECT_EQ(twice.GetMessageText(), kPrefix + kPrefix + "abc");
 }
 
 TEST(ExceptionMessage, SetKeepsAtMost511CharactersAndZeroFillsTheRest) {
-  for (int n : {510, 511, 512, 700}) {
+  for (int n : {511, 512, 700}) {
     const std::string text = Numbered(n);
-    zrExceptionWithMessage::Set(text.c_str());
-    EXPECT_EQ(std::string(Buffer()), text.substr(0, 511)) << n;
     zrExceptionWithMessage by_constructor(text.c_str());
     EXPECT_EQ(std::string(by_constructor.GetMessageText()), text.substr(0, 511)) << n;
   }
@@ -65,73 +52,54 @@ TEST(ExceptionMessage, SetKeepsAtMost511CharactersAndZeroFillsTheRest) {
   zrExceptionWithMessage::Set("0123456789");
   zrExceptionWithMessage::Set(zrExceptionWithMessage::message + 4);
   EXPECT_STREQ(Buffer(), "456789");
-  zrError kept(zrExceptionWithMessageGetMessage());
-  EXPECT_STREQ(kept.GetMessageText(), "456789");
-  zrError same(kept.GetMessageText());
+  zrError same(zrExceptionWithMessageGetMessage());
   EXPECT_STREQ(same.GetMessageText(), "456789");
 
   zrExceptionWithMessage::Set(nullptr);
   EXPECT_EQ(Buffer()[0], 0);
 }
 
-TEST(ExceptionMessage, EmptyBufferReadsAsThereIsNotMessageAndKeepsIt) {
+TEST(ExceptionMessage, IsTheLastConstructedExceptionsWhicheverObjectIsAsked) {
+  // An empty buffer reads as "There is not message." and keeps that text.
   zrExceptionWithMessage::Set("old text");
-  zrExceptionWithMessage root;
+  const zrExceptionWithMessage root;
   EXPECT_EQ(Buffer()[0], 0);
   EXPECT_STREQ(root.GetMessageText(), "There is not message.");
-  EXPECT_STREQ(zrExceptionWithMessage::message, "There is not message.");
+  EXPECT_STREQ(Buffer(), "There is not message.");
 
-  zrExceptionWithMessage::Set("old text");
-  zrErrNoMemory no_size;
-  EXPECT_EQ(no_size.GetSize(), 0u);
-  EXPECT_EQ(Buffer()[0], 0);
-  EXPECT_STREQ(zrExceptionWithMessageGetMessage(), "There is not message.");
-  EXPECT_EQ(zrExceptionWithMessageGetMessage(), zrExceptionWithMessage::message);
-}
-
-TEST(ExceptionMessage, IsTheLastConstructedExceptionsWhicheverObjectIsAsked) {
   try {
     throw BadParameters("first");
   } catch (const zrExceptionWithMessage& first) {
     EXPECT_EQ(first.GetMessageText(), kPrefix + "first");
-    try {
-      throw zrError("second");
-    } catch (const zrError& second) {
-      EXPECT_STREQ(second.GetMessageText(), "second");
-    }
+    const zrError second("second");
     EXPECT_STREQ(first.GetMessageText(), "second");
   }
 }
 
 TEST(ExceptionMessage, CopiesCarryTheirFieldsButLeaveTheBufferAlone) {
   BadParameters bad("bad");
-  zrError error(7, "error");
-  zrErrNoMemory no_memory(4096);
+  zrError error(7, "error"), error_assigned(1, "assigned");
+  zrErrNoMemory no_memory(4096), no_memory_assigned;
   zrExceptionWithMessage::Set("untouched");
 
   BadParameters bad_copy(bad);
   bad_copy = bad;
   zrError error_copy(error);
-  zrError error_assigned(1, "assigned");
-  zrExceptionWithMessage::Set("untouched");
   error_assigned = error;
   zrErrNoMemory no_memory_copy(no_memory);
-  zrErrNoMemory no_memory_assigned;
-  zrExceptionWithMessage::Set("untouched");
   no_memory_assigned = no_memory;
-
   EXPECT_STREQ(Buffer(), "untouched");
-  EXPECT_EQ(zrError("abc").GetCode(), -1);
-  EXPECT_STREQ(Buffer(), "abc");
+
   EXPECT_EQ(error_copy.GetCode(), 7);
   EXPECT_EQ(error_assigned.GetCode(), 7);
   EXPECT_EQ(no_memory_copy.GetSize(), 4096u);
   EXPECT_EQ(no_memory_assigned.GetSize(), 4096u);
+  EXPECT_EQ(zrError("abc").GetCode(), -1);
+  EXPECT_STREQ(Buffer(), "abc");
 }
 
 TEST(zrErrNoMemory, KeepsTheSizeAndFormatsTheFixedText) {
-  for (std::uint64_t size :
-       {std::uint64_t{0}, std::uint64_t{1}, std::uint64_t{123456789012345}, ~std::uint64_t{0}}) {
+  for (std::uint64_t size : {std::uint64_t{0}, ~std::uint64_t{0}}) {
     zrErrNoMemory e(size);
     EXPECT_EQ(e.GetSize(), size);
     EXPECT_EQ(e.GetMessageText(), zr_test::NoMemoryText(size)) << size;

@@ -5,9 +5,24 @@
 
 #include <cstdint>
 #include <cstdio>
+#include <cstring>
+#include <ostream>
 #include <string>
 
 #include "zr/core/exceptions.h"
+#include "zr/values/values.h"
+
+// EXPECT_EQ compares the value types with their exact operator==; these make its
+// failures readable.
+inline void PrintTo(const zrComplex& z, std::ostream* os) {
+  *os << '(' << z.Re() << ", " << z.Im() << ')';
+}
+inline void PrintTo(const zrVec2& v, std::ostream* os) {
+  *os << '(' << v.X() << ", " << v.Y() << ')';
+}
+inline void PrintTo(const zrTVec3<double>& v, std::ostream* os) {
+  *os << '(' << v.X() << ", " << v.Y() << ", " << v.Z() << ')';
+}
 
 namespace zr_test {
 
@@ -34,6 +49,18 @@ inline std::string NoMemoryText(std::uint64_t size) {
                 static_cast<unsigned long long>(size));
 #pragma GCC diagnostic pop
   return text;
+}
+
+// The bits of a double and back, for NaN payloads and signed zeros.
+inline std::uint64_t Bits(double d) {
+  std::uint64_t u;
+  std::memcpy(&u, &d, sizeof u);
+  return u;
+}
+inline double FromBits(std::uint64_t u) {
+  double d;
+  std::memcpy(&d, &u, sizeof d);
+  return d;
 }
 
 }  // namespace zr_test

@@ -1,0 +1,124 @@
+// zrVec2 and zrTVec3<double>: componentwise arithmetic and partial order, products, the
+// tie rules of Min and Max, zrSgn and the flat forms.
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <cstring>
+#include <limits>
+
+#include "support/test_support.h"
+#include "zr/zr.h"
+
+using Vec3 = zrTVec3<double>;
+
+namespace {
+
+const double kNaN = std::numeric_limits<double>::quiet_NaN();
+
+}  // namespace
+
+TEST(Vec, ArithmeticIsComponentwise) {
+  // A scalar is subtracted from and divided into each component, not the other way round.
+  EXPECT_EQ(zrVec2(8, 6) - 1.0, zrVec2(7, 5));
+  EXPECT_EQ(zrVec2(8, 6) / 2.0, zrVec2(4, 3));
+  Vec3 t(8, 6, 4);
+  ((t += 1.0) -= 3.0) /= Vec3(2, 4, 1);
+  EXPECT_EQ(t, Vec3(3, 1, 2));
+  EXPECT_EQ(&t[2], t.GetVec() + 2);
+
+  // Unary minus flips the signs of zeros too.
+  const zrVec2 p = -zrVec2(0.0, -0.0);
+  EXPECT_TRUE(std::signbit(p.X()));
+  EXPECT_FALSE(std::signbit(p.Y()));
+  const Vec3 v = -Vec3(-0.0, 0.0, 2.0);
+  EXPECT_FALSE(std::signbit(v.X()));
+  EXPECT_TRUE(std::signbit(v.Y()));
+}
+
+TEST(Vec, OrderIsPartialAndNaNBreaksEverything) {
+  const zrVec2 a(1, 2), b(1, 5), c(2, 3);
+  EXPECT_EQ((a <= a) + (a >= a) + (a == a), 3);
+  EXPECT_EQ((a < a) + (a > a) + (a != a), 0);
+  EXPECT_EQ((a <= b) + (a < c) + (c > a), 3);
+  EXPECT_EQ(a < b, 0);  // only one component is smaller
+  EXPECT_EQ((b < c) + (b > c) + (b <= c) + (b >= c), 0);
+
+  const zrVec2 n(1, kNaN);
+  EXPECT_EQ((n < c) + (n > zrVec2(0, 0)) + (n <= n) + (n >= n) + (n == n), 0);
+  EXPECT_EQ(n != n, 1);
+
+  const Vec3 u(1, 2, 3), w(2, 3, 3);
+  EXPECT_EQ((u < w) + (w > u), 0);  // z ties
+  EXPECT_EQ((u <= w) + (w >= u) + (u != w), 3);
+  const Vec3 m(1, 2, kNaN);
+  EXPECT_EQ((m < w) + (m > Vec3(0, 0, 0)) + (m <= m) + (m >= m) + (m == m), 0);
+  EXPECT_EQ(m != m, 1);
+}
+
+TEST(Vec, ProductsAndNorms) {
+  EXPECT_EQ(Vec3(1, 2, 3).ScalarMul(Vec3(4, 5, 6)), 32.0);
+  EXPECT_EQ(zrVec2(3, -4).Norm(), 5.0);
+  // No scaling: the squares overflow.
+  EXPECT_TRUE(std::isinf(Vec3(0, 0, 1e200).Norm()));
+
+  EXPECT_EQ(Vec3(1, 2, 3).VectorMul(Vec3(4, 5, 6)), Vec3(-3, 6, -3));
+  EXPECT_EQ(Vec3(1, 2, 6).E(), 3.0);
+}
+
+TEST(Vec, MinAndMaxTakeTheLaterOnTiesAndNaN) {
+  EXPECT_EQ(Vec3(2, 3, 1).Max(), 3.0);
+  // Signed zeros tie: the later one is kept.
+  EXPECT_TRUE(std::signbit(Vec3(0.0, -0.0, 1).Min()));
+  EXPECT_FALSE(std::signbit(Vec3(-0.0, 0.0, -1).Max()));
+  // A NaN gives way to what follows it and wins from last place.
+  EXPECT_EQ(Vec3(kNaN, 1, 2).Min(), 1.0);
+  EXPECT_EQ(Vec3(1, kNaN, 0).Max(), 0.0);
+  EXPECT_TRUE(std::isnan(Vec3(1, 2, kNaN).Min()));
+
+  // zrVec2 keeps its own component only when strictly greater (smaller), else b's.
+  EXPECT_EQ(zrVec2(1, 5).Max(zrVec2(2, 3)), zrVec2(2, 5));
+  EXPECT_EQ(zrVec2(1, 5).Min(zrVec2(2, 3)), zrVec2(1, 3));
+  const zrVec2 mx = zrVec2(0.0, kNaN).Max(zrVec2(-0.0, 1));
+  EXPECT_TRUE(std::signbit(mx.X()));
+  EXPECT_EQ(mx.Y(), 1.0);
+  const zrVec2 mn = zrVec2(-0.0, 1).Min(zrVec2(0.0, kNaN));
+  EXPECT_FALSE(std::signbit(mn.X()));
+  EXPECT_TRUE(std::isnan(mn.Y()));
+}
+
+TEST(zrSgn, ZerosGiveZeroAndNaNGivesOne) {
+  EXPECT_EQ(zrSgn(zrVec2(-0.0, kNaN)), zrVec2(0, 1));
+  EXPECT_EQ(zrSgn(zrVec2(-3, 2)), zrVec2(-1, 1));
+}
+
+TEST(Vec, FlatFormsAreTheRawComponentsBackToBack) {
+  const zrVec2 p(1.0, -0.0);
+  const Vec3 v(zr_test::FromBits(0x7FF800000000BEEF), -2.0, 0.5);  // a NaN with a payload
+  EXPECT_EQ(zrMemSize(p), 16);
+  EXPECT_EQ(zrMemSize(v), 24);
+
+  unsigned char buffer[64];
+  std::memset(buffer, 0xEE, sizeof buffer);
+  unsigned char* at = buffer + 1;  // unaligned
+  at += zrToMem(at, p);
+  at += zrToMem(at, v);
+  EXPECT_EQ(at - buffer, 1 + 40);
+  EXPECT_EQ(*at, 0xEE);
+
+  const unsigned char expected[] = {
+      0,    0,    0, 0, 0, 0, 0xF0, 0x3F, 0, 0, 0, 0, 0, 0, 0, 0x80,  // 1, -0
+      0xEF, 0xBE, 0, 0, 0, 0, 0xF8, 0x7F, 0, 0, 0, 0, 0, 0, 0, 0xC0,  // NaN, -2
+      0,    0,    0, 0, 0, 0, 0xE0, 0x3F};                            // 0.5
+  EXPECT_EQ(std::memcmp(buffer + 1, expected, sizeof expected), 0);
+
+  zrVec2 rp;
+  Vec3 rv;
+  const unsigned char* from = buffer + 1;
+  from += zrFromMem(from, rp);
+  from += zrFromMem(from, rv);
+  EXPECT_EQ(from - buffer, 1 + 40);
+  // Bit for bit, NaN payload and signed zero included: written again, the same bytes.
+  unsigned char again[40];
+  zrToMem(again + zrToMem(again, rp), rv);
+  EXPECT_EQ(std::memcmp(again, expected, sizeof again), 0);
+}
