@@ -1,0 +1,466 @@
+// The member definitions of zrSimpleArray<T>. The library includes this file once to
+// instantiate the array for its element types; include it yourself only to instantiate
+// the array for a type of your own.
+#pragma once
+
+#include <algorithm>
+#include <cstring>
+#include <type_traits>
+#include <utility>
+
+#include "zr/arrays/simple_array.h"
+
+namespace zr::detail {
+
+// Copies n elements front to back (windows of one block may overlap; the copy then runs
+// in index order).
+template <class T>
+void CopyForward(T* to, const T* from, int n) {
+  for (int i = 0; i < n; ++i) to[i] = from[i];
+}
+
+// Copies n elements that cannot overlap.
+template <class T>
+void CopyDisjoint(T* to, const T* from, int n) {
+  if constexpr (std::is_trivially_copyable_v<T>) {
+    if (n > 0) std::memcpy(static_cast<void*>(to), from, static_cast<std::size_t>(n) * sizeof(T));
+  } else {
+    CopyForward(to, from, n);
+  }
+}
+
+}  // namespace zr::detail
+
+ZR_DEFINE_TYPE_IDENTITY_WITH(template <class T>, zrSimpleArray<T>, "zrSimpleArray")
+
+template <class T>
+zrSimpleArray<T>::zrSimpleArray(int n) {
+  New(n);
+}
+
+template <class T>
+zrSimpleArray<T>::zrSimpleArray(int n, const T& value) {
+  New(n);
+  Fill(value);
+}
+
+template <class T>
+zrSimpleArray<T>::zrSimpleArray(const zrSimpleArray& other) : zrPArray() {
+  if (!other.p_ || other.n_ == 0) return;
+  New(other.n_);
+  zr::detail::CopyDisjoint(p_, other.p_, n_);
+}
+
+template <class T>
+zrSimpleArray<T>::zrSimpleArray(zrSimpleArray&& other) noexcept
+    : zrPArray(), p_(other.p_), n_(other.n_) {
+  InitMem(other.GetMem());
+  other.FreeMem();
+  other.p_ = nullptr;
+  other.n_ = 0;
+}
+
+template <class T>
+zrSimpleArray<T>& zrSimpleArray<T>::operator=(const zrSimpleArray& other) {
+  if (&other == this) return *this;
+  if (!other.p_ || other.n_ == 0) {
+    Clear();
+    return *this;
+  }
+  if (n_ != other.n_) {
+    // The new block is made before the old one goes, and the elements are copied from
+    // other before that: other may be a window that this array holds the last count of.
+    void* const old = GetMem();
+    New(other.n_);
+    struct Release {
+      void* block;
+      ~Release() { zrDeleteWithRef(static_cast<T*>(block)); }
+    } release{old};
+    zr::detail::CopyDisjoint(p_, other.p_, n_);
+    return *this;
+  }
+  zr::detail::CopyForward(p_, other.p_, n_);
+  return *this;
+}
+
+template <class T>
+zrSimpleArray<T>::~zrSimpleArray() {
+  zrDeleteWithRef(static_cast<T*>(GetMem()));
+}
+
+template <class T>
+void zrSimpleArray<T>::SetMem(void* const block) {
+  void* const old = GetMem();
+  if (block == old) return;
+  if (block) zrIncMemRef(block);  // refused before anything changes
+  InitMem(block);
+  zrDeleteWithRef(static_cast<T*>(old));
+}
+
+template <class T>
+void zrSimpleArray<T>::New(int n) {
+  T* block = nullptr;
+  zrNewWithRef(block, n);
+  InitMem(block);
+  p_ = block;
+  n_ = n;
+}
+
+template <class T>
+void zrSimpleArray<T>::Free() {
+  zrDeleteWithRef(static_cast<T*>(GetMem()));
+  FreeMem();
+}
+
+template <class T>
+void zrSimpleArray<T>::Move(zrSimpleArray& other) {
+  if (&other == this) return;
+  SetMem(other.GetMem());
+  p_ = other.p_;
+  n_ = other.n_;
+  other.Clear();
+}
+
+template <class T>
+void zrSimpleArray<T>::swap(zrSimpleArray& other) {
+  zrSimpleArray tmp;
+  tmp.Move(*this);
+  Move(other);
+  other.Move(tmp);
+}
+
+template <class T>
+void zrSimpleArray<T>::Set(int n) {
+  Clear();
+  if (n != 0) New(n);
+}
+
+template <class T>
+void zrSimpleArray<T>::Set(int n, const T& value) {
+  const T v = value;  // value may live in the block about to go
+  Clear();
+  New(n);
+  Fill(v);
+}
+
+template <class T>
+void zrSimpleArray<T>::Init(int n) {
+  if (n != n_) Set(n);
+}
+
+template <class T>
+void zrSimpleArray<T>::Reallocate(int n, int keep) {
+  if constexpr (std::is_trivially_copyable_v<T>) {
+    // A sole owner whose origin starts a block of exactly its length can have the block
+    // resized where it lies: the result is the same exact-size private block.
+    void* const mem = GetMem();
+    if (mem && mem == p_ && zrGetMemRef(mem) == 1 && zr::detail::BlockCount(mem) == n_) {
+      const std::uint64_t bytes =
+          static_cast<std::uint64_t>(n) * sizeof(T) + zr::detail::kBlockHeader;
+      char* const base =
+          static_cast<char*>(zrRealloc(static_cast<char*>(mem) - zr::detail::kBlockHeader, bytes));
+      auto* const header = reinterpret_cast<std::int32_t*>(base);
+      header[1] = -n;
+      T* const block = reinterpret_cast<T*>(base + zr::detail::kBlockHeader);
+      InitMem(block);
+      p_ = block;
+      n_ = n;
+      return;
+    }
+  }
+  T* const block = static_cast<T*>(zr::detail::NewBlock(n, sizeof(T), 0));
+  if constexpr (!std::is_trivially_default_constructible_v<T> || !std::is_trivially_copyable_v<T>) {
+    int made = 0;
+    try {
+      for (; made < n; ++made) ::new (static_cast<void*>(block + made)) T;
+      zr::detail::CopyForward(block, p_, keep);
+    } catch (...) {
+      while (made > 0) block[--made].~T();
+      zr::detail::FreeBlock(block);
+      throw;
+    }
+  } else {
+    zr::detail::CopyDisjoint(block, p_, keep);
+  }
+  p_ = block;
+  SetMem(block);
+  n_ = n;
+}
+
+template <class T>
+void zrSimpleArray<T>::ReSet(int n) {
+  if (n == n_) return;
+  if (n < 0) zr::detail::ThrowNewWithRefCount();
+  if (n == 0) {
+    Clear();
+    return;
+  }
+  Reallocate(n, std::min(n, n_));
+}
+
+template <class T>
+void zrSimpleArray<T>::Clear() {
+  SetMem(nullptr);
+  p_ = nullptr;
+  n_ = 0;
+}
+
+template <class T>
+void zrSimpleArray<T>::SetDirectly(T* p, int n) {
+  SetMem(nullptr);
+  p_ = p;
+  n_ = n;
+}
+
+template <class T>
+void zrSimpleArray<T>::SetDirectly(T* p, int n, const zrPArray& holder) {
+  SetMem(holder.GetMem());
+  p_ = p;
+  n_ = n;
+}
+
+template <class T>
+void zrSimpleArray<T>::Copy() {
+  if (!IsShared() || !p_) return;
+  zrSimpleArray copy(*this);
+  Move(copy);
+}
+
+template <class T>
+void zrSimpleArray<T>::Fill(const T& value) {
+  const T v = value;
+  for (int i = 0; i < n_; ++i) p_[i] = v;
+}
+
+template <class T>
+void zrSimpleArray<T>::SetSubWindow(const zrSimpleArray& source, int start, int count) {
+  if (start < 0 || count < 0 || start > source.n_ - count)
+    throw BadParameters("zrSimpleArray<T>::Set : out of range.");
+  T* const origin = source.p_ + start;
+  SetMem(source.GetMem());
+  p_ = origin;
+  n_ = count;
+}
+
+template <class T>
+zrSimpleArray<T> zrSimpleArray<T>::Left(int n) const {
+  if (n < 1 || n > n_) throw BadParameters("zrSimpleArray<T>::Left: Out of Range");
+  zrSimpleArray window;
+  window.SetSubWindow(*this, 0, n);
+  return window;
+}
+
+template <class T>
+zrSimpleArray<T> zrSimpleArray<T>::Right(int n) const {
+  if (n < 1 || n > n_) throw BadParameters("zrSimpleArray<T>::Right: Out of Range");
+  zrSimpleArray window;
+  window.SetSubWindow(*this, n_ - n, n);
+  return window;
+}
+
+template <class T>
+zrSimpleArray<T> zrSimpleArray<T>::Mid(int start, int count) const {
+  if (start < 0 || count < 1 || start > n_ - count)
+    throw BadParameters("zrSimpleArray<T>::Mid: Out of Range");
+  zrSimpleArray window;
+  window.SetSubWindow(*this, start, count);
+  return window;
+}
+
+template <class T>
+int zrSimpleArray<T>::Insert(T value, int pos) {
+  ReSet(n_ + 1);
+  for (int i = n_ - 1; i > pos; --i) p_[i] = p_[i - 1];
+  p_[pos] = value;
+  return pos;
+}
+
+template <class T>
+T* zrSimpleArray<T>::insert(T* where, const T& value) {
+  const int i = Insert(value, static_cast<int>(where - p_));
+  return p_ + i;  // the storage is new after the insertion
+}
+
+template <class T>
+T* zrSimpleArray<T>::erase(T* where) {
+  const int i = static_cast<int>(where - p_);
+  Remove(i);
+  return p_ + i;
+}
+
+template <class T>
+void zrSimpleArray<T>::Remove(int i) {
+  if (n_ < 1 || i < 0 || i >= n_) throw BadParameters("Out of range");
+  Copy();
+  if (n_ == 1) {
+    Clear();
+    return;
+  }
+  std::rotate(p_ + i, p_ + i + 1, p_ + n_);  // the removed element ends last
+  ReSet(n_ - 1);
+}
+
+template <class T>
+void zrSimpleArray<T>::RemoveLast() {
+  if (n_ > 0) ReSet(n_ - 1);
+}
+
+template <class T>
+void zrSimpleArray<T>::push_back(const T& value) {
+  const T v = value;
+  ReSet(n_ + 1);
+  p_[n_ - 1] = v;
+}
+
+template <class T>
+void zrSimpleArray<T>::Concat(const zrSimpleArray& other) {
+  const int old = n_;
+  const int m = other.n_;
+  if (m == 0) return;
+  ReSet(old + m);
+  // other's elements are still where other points (for other == this, at the front of
+  // the new block).
+  zr::detail::CopyForward(p_ + old, other.p_, m);
+}
+
+template <class T>
+void zrSimpleArray<T>::Replace(int start, int count, const zrSimpleArray& other) {
+  if (start < 0 || count < 0 || start > n_ - count)
+    throw BadParameters("zrSimpleArray<T>::Replace: Out of Range");
+  if (&other == this || (other.GetMem() && other.GetMem() == GetMem())) {
+    // The tail moves below, so other's values are taken first.
+    const zrSimpleArray own(other);  // NOLINT(performance-unnecessary-copy-initialization)
+    Replace(start, count, own);
+    return;
+  }
+  const int m = other.n_;
+  const int length = n_ - count + m;
+  const int tail = n_ - start - count;
+  if (m < count) {
+    for (int i = 0; i < tail; ++i) p_[start + m + i] = p_[start + count + i];
+    ReSet(length);
+  } else if (m > count) {
+    ReSet(length);
+    for (int i = tail - 1; i >= 0; --i) p_[start + m + i] = p_[start + count + i];
+  }
+  zr::detail::CopyForward(p_ + start, other.p_, m);
+}
+
+template <class T>
+void zrSimpleArray<T>::CycleLeftShift(int k) {
+  if (n_ < 1) throw BadParameters("Out of range");
+  const int r = k % n_;
+  if (r > 0) std::rotate(p_, p_ + r, p_ + n_);
+}
+
+template <class T>
+void zrSimpleArray<T>::CycleRightShift(int k) {
+  if (n_ < 1) throw BadParameters("Out of range");
+  const int r = k % n_;
+  if (r > 0) CycleLeftShift(n_ - r);
+}
+
+template <class T>
+void zrSimpleArray<T>::InverseOrder() {
+  for (int i = 0; i < n_ / 2; ++i) std::swap(p_[i], p_[n_ - 1 - i]);
+}
+
+template <class T>
+int zrSimpleArray<T>::FindB(const T& value, CompareFunction cmp, int mode) const {
+  const int after = mode != 0 ? 1 : -1;
+  int low = 0;
+  int high = n_ - 1;
+  while (low <= high) {
+    const int mid = (low + high) / 2;
+    const int r = cmp(p_[mid], value);
+    if (r == 0) return mid;
+    if (r == after) {
+      high = mid - 1;
+    } else {
+      low = mid + 1;
+    }
+  }
+  return -1;
+}
+
+template <class T>
+bool zrSimpleArray<T>::IsIntersectB(const zrSimpleArray& a, const zrSimpleArray& b,
+                                    CompareFunction cmp, int mode) {
+  // With mode 0, a runs while its element compares 1 or more, b while it compares -1
+  // or less; mode != 0 turns the directions round.
+  const int sign = mode != 0 ? -1 : 1;
+  int i = 0;
+  int j = 0;
+  while (i < a.n_ && j < b.n_) {
+    const int r = sign * cmp(a.p_[i], b.p_[j]);
+    if (r == 0) return true;
+    if (r >= 1) {
+      ++i;
+    } else {
+      ++j;
+    }
+  }
+  return false;
+}
+
+template <class T>
+bool zrSimpleArray<T>::IntersectB(const zrSimpleArray& a, const zrSimpleArray& b,
+                                  CompareFunction cmp, int mode) {
+  // Built aside and moved in, since a or b may be this array.
+  zrSimpleArray result;
+  const int m = std::min(a.n_, b.n_);
+  if (m > 0) result.New(m);
+  int count = 0;
+  for (int i = 0, j = 0; i < a.n_ && j < b.n_;) {
+    const int r = cmp(a.p_[i], b.p_[j]);
+    if (r == 0) {
+      result.p_[count++] = a.p_[i];
+      ++i;
+      ++j;
+    } else if ((mode != 0) == (r > 0)) {
+      ++j;
+    } else {
+      ++i;
+    }
+  }
+  if (count < m) {
+    result.Clear();
+    if (count > 0) result.New(count);
+  }
+  Move(result);
+  return count > 0;
+}
+
+template <class T>
+bool zrSimpleArray<T>::Fusion(const zrSimpleArray& a, const zrSimpleArray& b, CompareFunction cmp,
+                              bool keepEqual, int mode) {
+  zrSimpleArray result;
+  const int total = a.n_ + b.n_;
+  if (total == 0) {
+    Clear();
+    return false;
+  }
+  result.New(total);
+  int count = 0;
+  bool common = false;
+  int i = 0;
+  int j = 0;
+  while (i < a.n_ && j < b.n_) {
+    const int r = cmp(a.p_[i], b.p_[j]);
+    if (r == 0) {
+      common = true;
+      result.p_[count++] = a.p_[i++];
+      if (keepEqual) result.p_[count++] = b.p_[j];
+      ++j;
+    } else if ((mode != 0) == (r > 0)) {
+      result.p_[count++] = b.p_[j++];
+    } else {
+      result.p_[count++] = a.p_[i++];
+    }
+  }
+  while (i < a.n_) result.p_[count++] = a.p_[i++];
+  while (j < b.n_) result.p_[count++] = b.p_[j++];
+  result.ReSet(count);
+  Move(result);
+  return common;
+}
