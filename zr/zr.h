@@ -3,4 +3,5 @@
 
 #include "zr/arrays/arrays.h"
 #include "zr/core/core.h"
+#include "zr/graph/graph.h"
 #include "zr/values/values.h"

@@ -39,7 +39,9 @@ class ZR_API zrUsingNew {
  public:
   zrUsingNew() = default;
   // There is nothing to copy: the copy of an object starts with its own identity only.
-  zrUsingNew(const zrUsingNew&) {}
+  // (Defaulted, not empty-bodied: a user-provided one would make GCC ask every copy
+  // constructor below a virtual zrUsingNew to name it.)
+  zrUsingNew(const zrUsingNew&) = default;
   zrUsingNew& operator=(const zrUsingNew&) { return *this; }
 
   // The virtual operations, in the order every derived class keeps.
@@ -78,7 +80,9 @@ class ZR_API zrUsingNew {
 };
 
 // An object with holders. The count is mutable: holding a const object counts too.
-class ZR_API zrRefCount : public zrUsingNew {
+// zrUsingNew is a virtual base, so that a class which is both counted and a list link
+// (a graph node) has one zrUsingNew part and one count.
+class ZR_API zrRefCount : public virtual zrUsingNew {
   ZR_TYPE_IDENTITY
  public:
   zrRefCount() = default;
