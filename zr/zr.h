@@ -4,4 +4,5 @@
 #include "zr/arrays/arrays.h"
 #include "zr/core/core.h"
 #include "zr/graph/graph.h"
+#include "zr/text/text.h"
 #include "zr/values/values.h"

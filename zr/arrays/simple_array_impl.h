@@ -29,6 +29,55 @@ void CopyDisjoint(T* to, const T* from, int n) {
   }
 }
 
+// Whether T has a member `void swap(T&)` of its own (not one inherited from a base,
+// which would exchange only the base's part).
+template <class T, class = void>
+struct HasOwnSwap : std::false_type {};
+template <class T>
+struct HasOwnSwap<T, std::enable_if_t<std::is_same_v<decltype(&T::swap), void (T::*)(T&)>>>
+    : std::true_type {};
+
+// Exchanges two elements. Elements that share storage by handle (strings, arrays) and
+// whose assignment copies in place exchange their handles through their own swap, so
+// that moving elements around an array never writes one element's contents into
+// another's storage (which may be a view of someone else's memory).
+template <class T>
+void SwapElements(T& a, T& b) {
+  if constexpr (HasOwnSwap<T>::value) {
+    a.swap(b);
+  } else {
+    using std::swap;
+    swap(a, b);
+  }
+}
+
+// Rotates [first, last) left so that middle comes first.
+template <class T>
+void RotateLeft(T* first, T* middle, T* last) {
+  if constexpr (std::is_trivially_copyable_v<T>) {
+    std::rotate(first, middle, last);
+  } else {
+    // Three reversals, each by exchanges.
+    auto reverse = [](T* lo, T* hi) {
+      while (lo < hi) SwapElements(*lo++, *--hi);
+    };
+    reverse(first, middle);
+    reverse(middle, last);
+    reverse(first, last);
+  }
+}
+
+// Moves element `from` to position `to` (to <= from: the ones between move up by one;
+// to > from: they move down), relocating rather than assigning for class types.
+template <class T>
+void MoveElement(T* p, int from, int to) {
+  if (to <= from) {
+    RotateLeft(p + to, p + from, p + from + 1);
+  } else {
+    RotateLeft(p + from, p + from + 1, p + to + 1);
+  }
+}
+
 }  // namespace zr::detail
 
 ZR_DEFINE_TYPE_IDENTITY_WITH(template <class T>, zrSimpleArray<T>, "zrSimpleArray")
@@ -137,7 +186,8 @@ void zrSimpleArray<T>::Set(int n) {
 
 template <class T>
 void zrSimpleArray<T>::Set(int n, const T& value) {
-  const T v = value;  // value may live in the block about to go
+  // value may live in the block about to go.
+  const T v = value;  // NOLINT(performance-unnecessary-copy-initialization)
   Clear();
   New(n);
   Fill(v);
@@ -228,8 +278,7 @@ void zrSimpleArray<T>::Copy() {
 
 template <class T>
 void zrSimpleArray<T>::Fill(const T& value) {
-  const T v = value;
-  for (int i = 0; i < n_; ++i) p_[i] = v;
+  for (int i = 0; i < n_; ++i) p_[i] = value;
 }
 
 template <class T>
@@ -270,7 +319,7 @@ zrSimpleArray<T> zrSimpleArray<T>::Mid(int start, int count) const {
 template <class T>
 int zrSimpleArray<T>::Insert(T value, int pos) {
   ReSet(n_ + 1);
-  for (int i = n_ - 1; i > pos; --i) p_[i] = p_[i - 1];
+  zr::detail::MoveElement(p_, n_ - 1, pos);  // the new last element goes to pos
   p_[pos] = value;
   return pos;
 }
@@ -296,7 +345,7 @@ void zrSimpleArray<T>::Remove(int i) {
     Clear();
     return;
   }
-  std::rotate(p_ + i, p_ + i + 1, p_ + n_);  // the removed element ends last
+  zr::detail::MoveElement(p_, i, n_ - 1);  // the removed element ends last
   ReSet(n_ - 1);
 }
 
@@ -307,7 +356,8 @@ void zrSimpleArray<T>::RemoveLast() {
 
 template <class T>
 void zrSimpleArray<T>::push_back(const T& value) {
-  const T v = value;
+  // value may be an element, and the storage is about to move.
+  const T v = value;  // NOLINT(performance-unnecessary-copy-initialization)
   ReSet(n_ + 1);
   p_[n_ - 1] = v;
 }
@@ -335,13 +385,12 @@ void zrSimpleArray<T>::Replace(int start, int count, const zrSimpleArray& other)
   }
   const int m = other.n_;
   const int length = n_ - count + m;
-  const int tail = n_ - start - count;
   if (m < count) {
-    for (int i = 0; i < tail; ++i) p_[start + m + i] = p_[start + count + i];
+    zr::detail::RotateLeft(p_ + start + m, p_ + start + count, p_ + n_);
     ReSet(length);
   } else if (m > count) {
     ReSet(length);
-    for (int i = tail - 1; i >= 0; --i) p_[start + m + i] = p_[start + count + i];
+    zr::detail::RotateLeft(p_ + start + count, p_ + n_ - (m - count), p_ + n_);
   }
   zr::detail::CopyForward(p_ + start, other.p_, m);
 }
@@ -350,7 +399,7 @@ template <class T>
 void zrSimpleArray<T>::CycleLeftShift(int k) {
   if (n_ < 1) throw BadParameters("Out of range");
   const int r = k % n_;
-  if (r > 0) std::rotate(p_, p_ + r, p_ + n_);
+  if (r > 0) zr::detail::RotateLeft(p_, p_ + r, p_ + n_);
 }
 
 template <class T>
@@ -362,7 +411,7 @@ void zrSimpleArray<T>::CycleRightShift(int k) {
 
 template <class T>
 void zrSimpleArray<T>::InverseOrder() {
-  for (int i = 0; i < n_ / 2; ++i) std::swap(p_[i], p_[n_ - 1 - i]);
+  for (int i = 0; i < n_ / 2; ++i) zr::detail::SwapElements(p_[i], p_[n_ - 1 - i]);
 }
 
 template <class T>

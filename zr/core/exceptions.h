@@ -21,6 +21,9 @@
 
 #include "zr/core/export.h"
 
+// The string class is the text subsystem's; zrError only names it here.
+class zrString;
+
 class ZR_API zrExceptionWithMessage {
  public:
   // The message buffer shared by every exception of the process. Its last byte
@@ -89,6 +92,10 @@ class ZR_API zrError : public zrExceptionWithMessage {
   zrError(int code, const char* text);
   // Code -1.
   explicit zrError(const char* text);
+  // The same with the characters of a string, cut at a zero byte as Set cuts a text
+  // (defined with the string class, zr/text/errors.cpp).
+  zrError(int code, zrString text);
+  explicit zrError(zrString text);
 
   int GetCode() const { return code_; }
 
