@@ -1,0 +1,192 @@
+// zrArrayNDAbs geometry, its Index, the neighbour tables, the segment clipping and the
+// zrRoundArrayND cursor.
+#include <gtest/gtest.h>
+
+#include <initializer_list>
+#include <vector>
+
+#include "support/test_support.h"
+#include "zr/zr.h"
+
+namespace {
+
+using zr_test::BadParametersText;
+
+zrArray<int> I(std::initializer_list<int> values) {
+  zrArray<int> a;
+  for (int v : values) a.push_back(v);
+  return a;
+}
+
+std::vector<int> V(const zrArray<int>& a) { return std::vector<int>(a.begin(), a.end()); }
+
+// Opens the protected stepping of Index.
+struct Counters : zrArrayNDAbs::Index {
+  using Index::Dec;
+  using Index::Inc;
+  using Index::Set;
+  using Index::SharedRange;
+};
+
+}  // namespace
+
+TEST(ArrayNDAbs, GeometryFromSizesAndStrides) {
+  zrArrayND<double> a(I({3, 4, 5}));
+  EXPECT_EQ(V(a.Tab()), std::vector<int>({1, 3, 12}));
+  EXPECT_EQ(V(a.GetForTab()), std::vector<int>({1, 0, 0}));
+  EXPECT_TRUE(a.IsCon());
+  EXPECT_EQ(a.GetSize(), 60);
+  EXPECT_EQ(a.GetEndPos(), 60);
+  EXPECT_EQ(a.PositiveLength(), 60);
+  EXPECT_EQ(a.NegativeLength(), 0);
+
+  zrArrayND<double> gaps;
+  double memory[14] = {};
+  gaps.SetDirectly(memory, I({2, 2}), I({1, 10}));
+  EXPECT_EQ(V(gaps.GetForTab()), std::vector<int>({1, 8}));
+  EXPECT_FALSE(gaps.IsCon());
+  EXPECT_EQ(gaps.GetEndPos(), 1 + 10 + 1);
+
+  zrArrayND<double> line(I({5}));
+  line.Flip(0);
+  EXPECT_EQ(line.NegativeLength(), -4);
+  EXPECT_EQ(line.PositiveLength(), 1);
+  EXPECT_TRUE(line.IsCon());  // one dimension: equal steps of -1
+
+  EXPECT_EQ(BadParametersText([] { zrArrayND<double> empty{zrArray<int>()}; }),
+            "Invalid parameters : zrArrayNDAbs:MkTabFromRange:Array length is zero.");
+  EXPECT_EQ(BadParametersText([&] {
+              gaps.SetDirectly(memory, I({2, 2}), I({1}));
+            }),
+            "Invalid parameters : Different dimension");
+}
+
+TEST(ArrayNDAbs, IndexStepsALineAtATime) {
+  zrArrayND<int> a(I({2, 2, 3}));
+  Counters c;
+  c.Set(&a, false);
+  const int* r = a.Range().GetPointer();
+  std::vector<int> carries;
+  for (int k = c.Inc(r); k != 0; k = c.Inc(r)) carries.push_back(k);
+  EXPECT_EQ(carries, std::vector<int>({1, 2, 1, 2, 1}));
+  EXPECT_EQ(V(c), std::vector<int>({0, 0, 0}));  // back at the start
+  EXPECT_EQ(c.Dec(r), 0);                        // wraps to the last line at once
+  EXPECT_EQ(V(c), std::vector<int>({1, 1, 2}));
+  EXPECT_EQ(c.Dec(r), 1);
+  EXPECT_EQ(V(c), std::vector<int>({1, 0, 2}));
+
+  zrArrayND<int> one(I({4}));
+  Counters single;
+  single.Set(&one, true);
+  EXPECT_EQ(V(single), std::vector<int>({3}));
+  EXPECT_EQ(single.Inc(one.Range().GetPointer()), 0);
+  EXPECT_EQ(single.Dec(one.Range().GetPointer()), 0);
+
+  // The index keeps the sizes it walks alive past the array.
+  Counters kept;
+  {
+    zrArrayND<int> gone(I({3, 2}));
+    kept.Set(&gone, false);
+  }
+  Counters copy(kept);
+  EXPECT_EQ(copy.SharedRange(), kept.SharedRange());
+  EXPECT_EQ(copy.Inc(copy.SharedRange()), 1);
+}
+
+TEST(ArrayNDAbs, GetLineWithinClipsByOutcodes) {
+  zrArrayND<int> box(I({4, 4}));
+  zrArray<int> p1 = I({-2, -2});
+  zrArray<int> p2 = I({5, 6});
+  EXPECT_EQ(box.GetLineWithin(p1, p2), 1);
+  EXPECT_EQ(V(p1), std::vector<int>({0, 0}));
+  EXPECT_EQ(V(p2), std::vector<int>({3, 3}));
+
+  p1 = I({1, 2});
+  p2 = I({3, 0});
+  EXPECT_EQ(box.GetLineWithin(p1, p2), 1);
+  EXPECT_EQ(V(p1), std::vector<int>({1, 2}));
+  EXPECT_EQ(V(p2), std::vector<int>({3, 0}));
+
+  p1 = I({-3, -1});
+  p2 = I({-1, 5});
+  EXPECT_EQ(box.GetLineWithin(p1, p2), 0);
+  p1 = I({2, 9});  // vertical: only y moves
+  p2 = I({2, -7});
+  EXPECT_EQ(box.GetLineWithin(p1, p2), 1);
+  EXPECT_EQ(V(p1), std::vector<int>({2, 3}));
+  EXPECT_EQ(V(p2), std::vector<int>({2, 0}));
+
+  // Five moves end the clipping with the points exchanged and one still outside.
+  p1 = I({-6, -1});
+  p2 = I({4, 7});
+  EXPECT_EQ(box.GetLineWithin(p1, p2), 1);
+  EXPECT_EQ(V(p1), std::vector<int>({-1, 3}));
+  EXPECT_EQ(V(p2), std::vector<int>({0, 3}));
+
+  zrArrayND<int> cube(I({2, 2, 2}));
+  EXPECT_EQ(BadParametersText([&] { cube.GetLineWithin(p1, p2); }),
+            "Invalid parameters : Dimension must equal 2 in GetLine.");
+  zrArray<int> p3 = I({1, 1, 1});
+  EXPECT_EQ(BadParametersText([&] { box.GetLineWithin(p1, p3); }),
+            "Invalid parameters : Dimension must equal 2 in GetLine.");
+}
+
+TEST(ArrayNDAbs, NeighbourTables) {
+  const zrArray<int> tab = I({1, 10});
+  zrArray<int> out;
+  zrArrayNDAbs::MkTabFor4Link(tab, out);
+  EXPECT_EQ(V(out), std::vector<int>({1, -1, 10, -10}));
+  zrArrayNDAbs::MkTabFor8Link(tab, out);
+  EXPECT_EQ(V(out), std::vector<int>({-11, -10, -9, -1, 1, 9, 10, 11}));
+  zrArrayNDAbs::MkTabForVertexLink(tab, out);
+  EXPECT_EQ(V(out), std::vector<int>({0, 1, 10, 11}));
+  zrArrayNDAbs::MkTabForAp(tab, I({3, 1}), out);
+  EXPECT_EQ(V(out), std::vector<int>({0, 1, 2}));
+
+  const zrArray<int> dense3 = I({1, 3, 9});
+  zrArrayNDAbs::Rcurs2(dense3, out);
+  ASSERT_EQ(out.Len(), 27);
+  EXPECT_EQ(out[13], 0);
+  for (int i = 0; i < 27; ++i) EXPECT_EQ(out[i], i - 13);  // dense strides count through
+  zrArrayNDAbs::MkTabFor8Link(dense3, out);
+  ASSERT_EQ(out.Len(), 26);
+  for (int i = 0; i < 26; ++i) EXPECT_EQ(out[i], -out[25 - i]);
+  EXPECT_EQ(BadParametersText([&] { zrArrayNDAbs::MkTabForAp(tab, I({2}), out); }),
+            "Invalid parameters : Different dimension");
+}
+
+TEST(RoundArrayND, StepsRoundAndBack) {
+  const zrArray<int> range = I({2, 2});
+  const zrArray<int> tab = I({1, 2});
+  zrRoundArrayND r(range, tab);
+  for (int pos = 1; pos <= 3; ++pos) {
+    EXPECT_EQ(++r, 1);
+    EXPECT_EQ(r.GetPos(), pos);
+  }
+  EXPECT_EQ(++r, 0);
+  EXPECT_EQ(r.GetPos(), 0);
+  EXPECT_EQ(V(r), std::vector<int>({0, 0}));
+
+  EXPECT_EQ(--r, 0);  // from the first position: the ToEnd state
+  EXPECT_EQ(V(r), std::vector<int>({2, 2}));
+  EXPECT_EQ(r.GetPos(), 6);
+
+  zrArray<int> at = I({0, 1});
+  r.ToBegin();
+  r.SetPos(at);
+  EXPECT_EQ(--r, 1);  // the borrow leaves dimension 0 at its size
+  EXPECT_EQ(V(r), std::vector<int>({2, 0}));
+  EXPECT_EQ(r.GetPos(), 2);
+
+  zrArray<int> one = I({1, 1});
+  zrRoundArrayND fresh(range, tab);
+  fresh.SetPos(one);
+  EXPECT_EQ(fresh.GetPos(), 3);
+  fresh.SetPos(one);  // adds, does not assign
+  EXPECT_EQ(fresh.GetPos(), 6);
+  for (zrArray<int> bad : {I({-1, 0}), I({0, 2})}) {
+    EXPECT_EQ(BadParametersText([&] { fresh.SetPos(bad); }),
+              "Invalid parameters : zrRoundArrayND : Out of range.");
+  }
+  EXPECT_EQ(fresh.GetPos(), 6);
+}

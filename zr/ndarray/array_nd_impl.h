@@ -1,0 +1,666 @@
+// The member definitions of zrArrayND<T>. The library includes this file once to
+// instantiate the array for its element types; include it yourself only to instantiate
+// the array for a type of your own.
+#pragma once
+
+#include <cstdint>
+#include <cstring>
+#include <limits>
+#include <type_traits>
+#include <utility>
+
+#include "zr/arrays/array_impl.h"
+#include "zr/ndarray/array_nd.h"
+
+namespace zr::detail {
+
+// Scratch ints for a walk: on the stack for the usual dimension counts, else a block.
+class NDScratch {
+ public:
+  explicit NDScratch(int n) {
+    if (n > kLocal) heap_.Set(n);
+    p_ = n > kLocal ? heap_.GetPointer() : local_;
+  }
+  int* get() { return p_; }
+
+ private:
+  static constexpr int kLocal = 48;
+  int local_[kLocal] = {};
+  zrArray<int> heap_;
+  int* p_;
+};
+
+enum class NDOrder {
+  kStorage,   // storage order, dimension 0 fastest
+  kAny,       // any order that visits each multi-index once
+  kAnyIfLead  // any order when the first operand reaches no element twice
+};
+
+// Tiles for two operands whose fastest axes differ: a tile's lines run along the first
+// operand's fastest axis for one cache line of it, and there are as many lines as fill
+// two cache lines of the second operand along its own fastest axis (at least 16), so
+// that both operands' lines of a tile stay in the first-level cache and are used whole.
+// Longer or square tiles measured slower, most of all for strides that are powers of
+// two, whose lines share cache sets.
+template <class A>
+constexpr int NDTileLine() {
+  return sizeof(A) >= 64 ? 1 : static_cast<int>(64 / sizeof(A));
+}
+template <class B>
+constexpr int NDTileLines() {
+  return sizeof(B) >= 8 ? 16 : static_cast<int>(128 / sizeof(B));
+}
+
+// Walks an r0 x r1 plane of two operands in tiles, each tile as lines along axis 0
+// (steps a0, b0) one step of axis 1 (a1, b1) apart. Pointers move only while another
+// line or tile follows, so none is formed outside the operands.
+template <class A, class B, class F>
+bool WalkTiles(int r0, int r1, A* pa, int a0, int a1, B* pb, int b0, int b1, F& line) {
+  constexpr int kLine = NDTileLine<A>();
+  constexpr int kLines = NDTileLines<B>();
+  const int ta = kLine * a0;
+  const int tb = kLine * b0;
+  const int ua = kLines * a1;
+  const int ub = kLines * b1;
+  for (int j = 0;;) {
+    const int nj = r1 - j < kLines ? r1 - j : kLines;
+    A* qa = pa;
+    B* qb = pb;
+    for (int i = 0;;) {
+      const int ni = r0 - i < kLine ? r0 - i : kLine;
+      A* la = qa;
+      B* lb = qb;
+      for (int k = 0;;) {
+        // A full line with a constant count, which the compiler unrolls.
+        if (!(ni == kLine ? line(kLine, la, a0, lb, b0) : line(ni, la, a0, lb, b0))) return false;
+        if (++k == nj) break;
+        la += a1;
+        lb += b1;
+      }
+      i += kLine;
+      if (i >= r0) break;
+      qa += ta;
+      qb += tb;
+    }
+    j += kLines;
+    if (j >= r1) return true;
+    pa += ua;
+    pb += ub;
+  }
+}
+
+// Walks two operands of equal sizes (n dimensions, strides ta and tb) in step, line by
+// line: line(count, a, sa, b, sb) gets the first element of each operand on a line, the
+// number of elements on it and the steps along it, and returns false to stop the walk
+// (WalkPair then returns false too). Axes of size 1 are dropped and axes that continue
+// one another in both operands are merged, so a contiguous pair is one line. With a
+// free order the axes of the first operand are also turned to positive strides and
+// sorted by stride; when the second operand's shortest step then lies on another axis
+// than the first's, the plane of those two axes is walked in tiles (WalkTiles), so that
+// neither operand is read across its lines. Lines (or planes) are joined by one addition
+// of a carry per operand.
+template <class A, class B, class F>
+bool WalkPair(int n, const int* range, A* pa, const int* ta, B* pb, const int* tb, NDOrder order,
+              F line) {
+  if (n == 0) return true;  // no dimensions, no elements
+  for (int k = 0; k < n; ++k)
+    if (range[k] <= 0) return true;
+  NDScratch scratch(6 * n);
+  int* const r = scratch.get();
+  int* const a = r + n;
+  int* const b = a + n;
+  int* const ca = b + n;
+  int* const cb = ca + n;
+  int* const count = cb + n;
+  int m = 0;
+  for (int k = 0; k < n; ++k) {
+    if (range[k] == 1) continue;
+    r[m] = range[k];
+    a[m] = ta[k];
+    b[m] = tb[k];
+    ++m;
+  }
+  bool free = false;
+  if (order != NDOrder::kStorage && m > 0) {
+    A* qa = pa;
+    B* qb = pb;
+    for (int i = 0; i < m; ++i) {
+      if (a[i] >= 0) continue;
+      qa += (r[i] - 1) * a[i];
+      qb += (r[i] - 1) * b[i];
+      a[i] = -a[i];
+      b[i] = -b[i];
+    }
+    for (int i = 1; i < m; ++i)
+      for (int j = i; j > 0 && a[j] < a[j - 1]; --j) {
+        std::swap(r[j], r[j - 1]);
+        std::swap(a[j], a[j - 1]);
+        std::swap(b[j], b[j - 1]);
+      }
+    // Sorted strides reach each element once when every stride exceeds the span of the
+    // axes before it.
+    bool once = a[0] > 0;
+    std::int64_t span = static_cast<std::int64_t>(r[0] - 1) * a[0];
+    for (int i = 1; i < m && once; ++i) {
+      once = a[i] > span;
+      span += static_cast<std::int64_t>(r[i] - 1) * a[i];
+    }
+    if (once || order == NDOrder::kAny) {
+      pa = qa;
+      pb = qb;
+      free = true;
+    } else {
+      m = 0;  // back to storage order
+      for (int k = 0; k < n; ++k) {
+        if (range[k] == 1) continue;
+        r[m] = range[k];
+        a[m] = ta[k];
+        b[m] = tb[k];
+        ++m;
+      }
+    }
+  }
+  if (m == 0) return line(1, pa, 0, pb, 0);
+  int d = 0;
+  for (int i = 1; i < m; ++i) {
+    if (a[i] == r[d] * a[d] && b[i] == r[d] * b[d]) {
+      r[d] *= r[i];
+    } else {
+      ++d;
+      r[d] = r[i];
+      a[d] = a[i];
+      b[d] = b[i];
+    }
+  }
+  m = d + 1;
+  // Tiles: the axis of the second operand's shortest step moves to place 1, keeping the
+  // order of the others.
+  int inner = 1;
+  if (free && m > 1) {
+    const auto step = [](int s) { return s < 0 ? -static_cast<std::int64_t>(s) : s; };
+    int j = 0;
+    for (int i = 1; i < m; ++i)
+      if (step(b[i]) < step(b[j])) j = i;
+    if (j > 0) {
+      for (; j > 1; --j) {
+        std::swap(r[j], r[j - 1]);
+        std::swap(a[j], a[j - 1]);
+        std::swap(b[j], b[j - 1]);
+      }
+      inner = 2;
+    }
+  }
+  // ca[k]: from the start of the last line (plane) with dimension k - 1 ... inner at
+  // their last index to the start of the next one.
+  for (int k = inner; k < m; ++k) {
+    ca[k] = k == inner ? a[k] : ca[k - 1] + a[k] - r[k - 1] * a[k - 1];
+    cb[k] = k == inner ? b[k] : cb[k - 1] + b[k] - r[k - 1] * b[k - 1];
+    count[k] = 0;
+  }
+  for (;;) {
+    if (inner == 1 ? !line(r[0], pa, a[0], pb, b[0])
+                   : !WalkTiles(r[0], r[1], pa, a[0], a[1], pb, b[0], b[1], line))
+      return false;
+    int k = inner;
+    for (; k < m; ++k) {
+      if (++count[k] < r[k]) break;
+      count[k] = 0;
+    }
+    if (k >= m) return true;
+    pa += ca[k];
+    pb += cb[k];
+  }
+}
+
+// Runs g over one line of two operands, with straight loops for the common steps.
+template <class A, class B, class G>
+bool RunLine(int count, A* a, int sa, B* b, int sb, G g) {
+  if (sa == 1 && sb == 1) {
+    for (int i = 0; i < count; ++i) g(a[i], b[i]);
+  } else if (sa == 1 && sb == -1) {
+    for (int i = 0; i < count; ++i) g(a[i], b[-i]);
+  } else if (sa == 1) {
+    for (int i = 0, ib = 0; i < count; ++i, ib += sb) g(a[i], b[ib]);
+  } else if (sa == -1 && sb == -1) {
+    for (int i = 0; i < count; ++i) g(a[-i], b[-i]);
+  } else {
+    for (int i = 0, ia = 0, ib = 0; i < count; ++i, ia += sa, ib += sb) g(a[ia], b[ib]);
+  }
+  return true;
+}
+
+// Whether the element ranges of two arrays meet.
+inline bool NDOverlap(const zrArrayNDAbs& x, const zrArrayNDAbs& y) {
+  const auto lo = [](const zrArrayNDAbs& z) {
+    return reinterpret_cast<std::intptr_t>(z.Pointer()) + z.ByteNegativeLength();
+  };
+  const auto hi = [](const zrArrayNDAbs& z) {
+    return reinterpret_cast<std::intptr_t>(z.Pointer()) + z.BytePositiveLength();
+  };
+  return lo(x) < hi(y) && lo(y) < hi(x);
+}
+
+[[noreturn]] inline void ThrowEmptyND() { throw BadParameters("ArrayND range is empty."); }
+[[noreturn]] inline void ThrowAxisND() { throw BadParameters("out of range of dimension"); }
+
+// The element count for the sizes: a negative size is refused like a negative length,
+// a total beyond 32 bits as memory that cannot be had.
+inline int NDCount(const zrArray<int>& range, std::uint64_t element) {
+  std::int64_t total = 1;
+  for (int k = 0; k < range.Len(); ++k) {
+    if (range[k] < 0) ThrowNewWithRefCount();
+    total *= range[k];
+    if (total > std::numeric_limits<std::int32_t>::max())
+      throw zrErrNoMemory(static_cast<std::uint64_t>(total) * element);
+  }
+  return static_cast<int>(total);
+}
+
+}  // namespace zr::detail
+
+ZR_DEFINE_TYPE_IDENTITY_WITH(template <class T>, zrArrayND<T>, "zrArrayND")
+
+template <class T>
+zrArrayND<T>::zrArrayND(const zrArray<int>& range) {
+  Set(range);
+}
+
+template <class T>
+zrArrayND<T>::zrArrayND(const zrArrayND& other) : zrArrayNDAbs() {
+  if (other.GetDim() == 0) return;
+  Set(other.Range());
+  zr::detail::WalkPair(
+      GetDim(), Range().GetPointer(), p_, Tab().GetPointer(), other.p_, other.Tab().GetPointer(),
+      zr::detail::NDOrder::kAny, [](int n, T* a, int sa, const T* b, int sb) {
+        return zr::detail::RunLine(n, a, sa, b, sb, [](T& x, const T& y) { x = y; });
+      });
+}
+
+template <class T>
+zrArrayND<T>& zrArrayND<T>::operator=(const zrArrayND& other) {
+  if (&other == this) return *this;
+  if (other.GetDim() == 0) {
+    clear();
+    return *this;
+  }
+  Init(other.Range());
+  const auto order = zr::detail::NDOverlap(*this, other) ? zr::detail::NDOrder::kStorage
+                                                         : zr::detail::NDOrder::kAnyIfLead;
+  zr::detail::WalkPair(
+      GetDim(), Range().GetPointer(), p_, Tab().GetPointer(), other.p_, other.Tab().GetPointer(),
+      order, [](int n, T* a, int sa, const T* b, int sb) {
+        return zr::detail::RunLine(n, a, sa, b, sb, [](T& x, const T& y) { x = y; });
+      });
+  return *this;
+}
+
+template <class T>
+zrArrayND<T>::~zrArrayND() {
+  zrDeleteWithRef(static_cast<T*>(GetMem()));
+}
+
+template <class T>
+void zrArrayND<T>::SetMem(void* const block) {
+  void* const old = GetMem();
+  if (block == old) return;
+  if (block) zrIncMemRef(block);
+  InitMem(block);
+  zrDeleteWithRef(static_cast<T*>(old));
+}
+
+template <class T>
+void zrArrayND<T>::New(int n) {
+  T* block = nullptr;
+  zrNewWithRef(block, n);
+  InitMem(block);
+  p_ = block;
+}
+
+template <class T>
+void zrArrayND<T>::Free() {
+  zrDeleteWithRef(static_cast<T*>(GetMem()));
+  FreeMem();
+}
+
+template <class T>
+void zrArrayND<T>::clear() {
+  Free();
+  p_ = nullptr;
+  zrArrayNDAbs::operator=(zrArrayND());
+}
+
+template <class T>
+void zrArrayND<T>::Set(const zrArray<int>& range) {
+  const int n = zr::detail::NDCount(range, sizeof(T));
+  // The new geometry and block are made before the old block goes: a refusal leaves the
+  // array as it was.
+  zrArrayND fresh;
+  fresh.zrArrayNDAbs::Set(range);
+  if (n > 0) fresh.New(n);
+  Move(fresh);
+}
+
+template <class T>
+void zrArrayND<T>::Init(const zrArray<int>& range) {
+  if (range.Len() == GetDim() && range == Range()) return;
+  Set(range);
+}
+
+template <class T>
+zrArrayNDAbs* zrArrayND<T>::New() const {
+  return TNew();
+}
+
+template <class T>
+zrArrayND<T>* zrArrayND<T>::TNew() const {
+  return new zrArrayND;
+}
+
+template <class T>
+void zrArrayND<T>::Move(zrArrayND& other) {
+  if (&other == this) return;
+  zrArrayNDAbs::operator=(other);
+  SetMem(other.GetMem());
+  p_ = other.p_;
+  other.Free();
+  other.p_ = nullptr;
+}
+
+template <class T>
+void zrArrayND<T>::Copy() {
+  if (!IsShared() || GetSize() == 0) return;
+  zrArrayND copy(*this);
+  Move(copy);
+}
+
+template <class T>
+void zrArrayND<T>::View(const zrPArray& holder, T* origin, const zrArray<int>& range,
+                        const zrArray<int>& tab) {
+  zrArrayND view;
+  view.zrArrayNDAbs::Set(range, tab);
+  view.SetMem(holder.GetMem());
+  view.p_ = origin;
+  view.CheckPointerWithThrow();
+  Move(view);
+}
+
+template <class T>
+void zrArrayND<T>::Set(const zrArrayND& source, int offset, const zrArray<int>& range,
+                       const zrArray<int>& tab) {
+  View(source, source.p_ + offset, range, tab);
+}
+
+template <class T>
+void zrArrayND<T>::Set(const zrArrayND& source, int offset, const zrArray<int>& range) {
+  View(source, source.p_ + offset, range, source.Tab());
+}
+
+template <class T>
+void zrArrayND<T>::Set(const zrArrayND& source) {
+  View(source, source.p_, source.Range(), source.Tab());
+}
+
+template <class T>
+void zrArrayND<T>::SetDirectly(T* p, const zrArray<int>& range, const zrArray<int>& tab) {
+  zrArrayND none;
+  View(none, p, range, tab);
+}
+
+template <class T>
+void zrArrayND<T>::SetDirectly(T* p, const zrArray<int>& range) {
+  SetDirectly(p, range, MkTabFromRange(range, 1));
+}
+
+template <class T>
+void zrArrayND<T>::SetSubWindow(const zrArrayND& source, const zrArray<int>& start,
+                                const zrArray<int>& range) {
+  const zrArray<int>& tab = source.Tab();
+  if (start.Len() != tab.Len()) throw BadParameters("Different dimension");
+  int offset = 0;
+  for (int k = 0; k < tab.Len(); ++k) offset += start[k] * tab[k];
+  Set(source, offset, range);
+}
+
+template <class T>
+void zrArrayND<T>::Flip(int a) {
+  if (a < 0 || a >= GetDim()) zr::detail::ThrowAxisND();
+  zrArray<int> tab(Tab());
+  const int offset = (Range()[a] - 1) * tab[a];
+  tab[a] = -tab[a];
+  Set(*this, offset, Range(), tab);
+}
+
+template <class T>
+void zrArrayND<T>::SwapAxis(int a, int b) {
+  if (a < 0 || a >= GetDim() || b < 0 || b >= GetDim()) zr::detail::ThrowAxisND();
+  zrArray<int> range(Range());
+  zrArray<int> tab(Tab());
+  std::swap(range[a], range[b]);
+  std::swap(tab[a], tab[b]);
+  Set(*this, 0, range, tab);
+}
+
+template <class T>
+void zrArrayND<T>::ReduceDimArrayND(const zrArrayND& source, int axis, int index) {
+  const int n = source.GetDim();
+  if (axis < 0 || axis >= n) zr::detail::ThrowAxisND();
+  if (n < 2) throw BadParameters("Must be dimension > 1");
+  if (index < 0 || index >= source.Range()[axis]) throw BadParameters("Out of range");
+  zrArray<int> range(n - 1);
+  zrArray<int> tab(n - 1);
+  for (int k = 0, j = 0; k < n; ++k) {
+    if (k == axis) continue;
+    range[j] = source.Range()[k];
+    tab[j] = source.Tab()[k];
+    ++j;
+  }
+  View(source, source.p_ + source.Tab()[axis] * index, range, tab);
+}
+
+template <class T>
+zrArrayND<T>* zrArrayND<T>::GetReduceDimArrayND(int axis, int index) const {
+  zrArrayND* const slice = TNew();
+  try {
+    slice->ReduceDimArrayND(*this, axis, index);
+  } catch (...) {
+    delete slice;
+    throw;
+  }
+  return slice;
+}
+
+template <class T>
+void zrArrayND<T>::MakeCoord(zrArray<int>& coord, const T* p) const {
+  const int n = GetDim();
+  coord.Init(n);
+  int off = static_cast<int>(p - p_);
+  const zrArray<int>& tab = Tab();
+  const auto step = [&off, &tab, &coord](int d) {
+    coord[d] = tab[d] != 0 ? off / tab[d] : 0;
+    if (tab[d] != 0) off %= tab[d];
+  };
+  if (n == 2 && tab[0] >= tab[1]) {
+    step(0);
+    step(1);
+  } else {
+    for (int d = n - 1; d >= 0; --d) step(d);
+  }
+}
+
+template <class T>
+template <class F>
+void zrArrayND<T>::Each(F f) {
+  const int* const tab = GetDim() > 0 ? Tab().GetPointer() : nullptr;
+  zr::detail::WalkPair(GetDim(), Range().GetPointer(), p_, tab, p_, tab, zr::detail::NDOrder::kAny,
+                       [f](int n, T* a, int sa, T*, int) {
+                         return zr::detail::RunLine(n, a, sa, a, sa, [f](T& x, T&) { f(x); });
+                       });
+}
+
+template <class T>
+template <class F>
+void zrArrayND<T>::EachPair(const zrArrayND& other, F f) {
+  if (GetDim() != other.GetDim()) throw BadParameters("Different dimension");
+  if (!(Range() == other.Range())) throw BadParameters("Different range");
+  const auto order = zr::detail::NDOverlap(*this, other) ? zr::detail::NDOrder::kStorage
+                                                         : zr::detail::NDOrder::kAnyIfLead;
+  zr::detail::WalkPair(GetDim(), Range().GetPointer(), p_, Tab().GetPointer(), other.p_,
+                       other.Tab().GetPointer(), order,
+                       [f](int n, T* a, int sa, const T* b, int sb) {
+                         return zr::detail::RunLine(n, a, sa, b, sb, f);
+                       });
+}
+
+template <class T>
+void zrArrayND<T>::Fill(T value) {
+  Each([value](T& x) { x = value; });
+}
+
+#define ZR_DETAIL_ARRAY_ND_OPERATORS(op_assign)                            \
+  template <class T>                                                       \
+  zrArrayND<T>& zrArrayND<T>::operator op_assign(const zrArrayND& other) { \
+    EachPair(other, [](T& x, const T& y) { x op_assign y; });              \
+    return *this;                                                          \
+  }                                                                        \
+  template <class T>                                                       \
+  zrArrayND<T>& zrArrayND<T>::operator op_assign(const T& value) {         \
+    const T v = value;                                                     \
+    Each([v](T& x) { x op_assign v; });                                    \
+    return *this;                                                          \
+  }
+ZR_DETAIL_ARRAY_ND_OPERATORS(+=)
+ZR_DETAIL_ARRAY_ND_OPERATORS(-=)
+ZR_DETAIL_ARRAY_ND_OPERATORS(*=)
+ZR_DETAIL_ARRAY_ND_OPERATORS(/=)
+#undef ZR_DETAIL_ARRAY_ND_OPERATORS
+
+template <class T>
+int zrArrayND<T>::operator==(const zrArrayND& other) const {
+  if (GetDim() != other.GetDim() || !(Range() == other.Range())) return 0;
+  if (GetDim() == 0) return 1;
+  const bool equal = zr::detail::WalkPair(
+      GetDim(), Range().GetPointer(), p_, Tab().GetPointer(), other.p_, other.Tab().GetPointer(),
+      zr::detail::NDOrder::kAny, [](int n, const T* a, int sa, const T* b, int sb) {
+        for (int i = 0, ia = 0, ib = 0; i < n; ++i, ia += sa, ib += sb)
+          if (!(a[ia] == b[ib])) return false;
+        return true;
+      });
+  return equal ? 1 : 0;
+}
+
+template <class T>
+int zrArrayND<T>::operator!=(const zrArrayND& other) const {
+  return *this == other ? 0 : 1;
+}
+
+template <class T>
+void zrArrayND<T>::MinAndMax(T& min, T& max) const {
+  if (GetSize() == 0) zr::detail::ThrowEmptyND();
+  const int* const tab = Tab().GetPointer();
+  const auto walk = [this, tab](zr::detail::NDOrder order, T& lo, T& hi) {
+    lo = *p_;
+    hi = *p_;
+    zr::detail::WalkPair(GetDim(), Range().GetPointer(), p_, tab, p_, tab, order,
+                         [&lo, &hi](int n, const T* a, int sa, const T*, int) {
+                           return zr::detail::RunLine(n, a, sa, a, sa,
+                                                      [&lo, &hi](const T& x, const T&) {
+                                                        if (x < lo) lo = x;
+                                                        if (hi < x) hi = x;
+                                                      });
+                         });
+  };
+  // Both walks start from the origin element, so a NaN there wins either way and a NaN
+  // elsewhere never does. The order matters only for extremes that compare equal but
+  // differ, which among these types are the signed zeros: then storage order decides.
+  T lo;
+  T hi;
+  walk(zr::detail::NDOrder::kAny, lo, hi);
+  if (std::is_floating_point_v<T> && (lo == T{} || hi == T{}))
+    walk(zr::detail::NDOrder::kStorage, lo, hi);
+  min = lo;
+  max = hi;
+}
+
+template <class T>
+T zrArrayND<T>::Min() const {
+  T lo;
+  T hi;
+  MinAndMax(lo, hi);
+  return lo;
+}
+
+template <class T>
+T zrArrayND<T>::Max() const {
+  T lo;
+  T hi;
+  MinAndMax(lo, hi);
+  return hi;
+}
+
+template <class T>
+T zrArrayND<T>::Median() const {
+  zrArray<T> values;
+  if (GetSize() > 0) {
+    values.Set(GetSize());
+    T* out = values.GetPointer();
+    const int* const tab = Tab().GetPointer();
+    zr::detail::WalkPair(GetDim(), Range().GetPointer(), p_, tab, p_, tab,
+                         zr::detail::NDOrder::kStorage,
+                         [&out](int n, const T* a, int sa, const T*, int) {
+                           for (int i = 0, ia = 0; i < n; ++i, ia += sa) *out++ = a[ia];
+                           return true;
+                         });
+  }
+  return values.Median();
+}
+
+template <class T>
+int zrArrayND<T>::MemSize() const {
+  const std::int64_t elements = GetSize() > 0 ? GetSize() : 0;
+  return static_cast<int>(zrArrayNDAbs::MemSize() +
+                          elements * static_cast<std::int64_t>(sizeof(T)));
+}
+
+template <class T>
+int zrArrayND<T>::ToMem(unsigned char* buffer) const {
+  static_assert(std::is_trivially_copyable_v<T>, "the flat form holds the raw elements");
+  unsigned char* out = buffer + zrArrayNDAbs::ToMem(buffer);
+  if (GetSize() > 0) {
+    const int* const tab = Tab().GetPointer();
+    zr::detail::WalkPair(GetDim(), Range().GetPointer(), p_, tab, p_, tab,
+                         zr::detail::NDOrder::kStorage,
+                         [&out](int n, const T* a, int sa, const T*, int) {
+                           if (sa == 1) {
+                             std::memcpy(out, a, static_cast<std::size_t>(n) * sizeof(T));
+                             out += static_cast<std::size_t>(n) * sizeof(T);
+                             return true;
+                           }
+                           for (int i = 0, ia = 0; i < n; ++i, ia += sa, out += sizeof(T))
+                             std::memcpy(out, a + ia, sizeof(T));
+                           return true;
+                         });
+  }
+  return static_cast<int>(out - buffer);
+}
+
+template <class T>
+int zrArrayND<T>::FromMem(const unsigned char* buffer) {
+  static_assert(std::is_trivially_copyable_v<T>, "the flat form holds the raw elements");
+  const unsigned char* in = buffer + zrArrayNDAbs::FromMem(buffer);
+  if (GetSize() > 0) {
+    const int* const tab = Tab().GetPointer();
+    zr::detail::WalkPair(GetDim(), Range().GetPointer(), p_, tab, p_, tab,
+                         zr::detail::NDOrder::kStorage, [&in](int n, T* a, int sa, T*, int) {
+                           if (sa == 1) {
+                             std::memcpy(static_cast<void*>(a), in,
+                                         static_cast<std::size_t>(n) * sizeof(T));
+                             in += static_cast<std::size_t>(n) * sizeof(T);
+                             return true;
+                           }
+                           for (int i = 0, ia = 0; i < n; ++i, ia += sa, in += sizeof(T))
+                             std::memcpy(static_cast<void*>(a + ia), in, sizeof(T));
+                           return true;
+                         });
+  }
+  return static_cast<int>(in - buffer);
+}

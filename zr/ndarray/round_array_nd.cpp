@@ -1,0 +1,82 @@
+#include "zr/ndarray/round_array_nd.h"
+
+ZR_DEFINE_TYPE_IDENTITY(zrRoundArrayND)
+
+zrRoundArrayND::zrRoundArrayND(const zrArrayNDAbs& array)
+    : zrRoundArrayND(array.Range(), array.Tab()) {}
+
+zrRoundArrayND::zrRoundArrayND(const zrArray<int>& range, const zrArray<int>& tab)
+    : range_(&range), tab_(&tab) {
+  if (range.Len() > 0) Set(range.Len(), 0);
+}
+
+zrRoundArrayND::zrRoundArrayND(const zrRoundArrayND& other)
+    : zrArray<int>(other), range_(other.range_), tab_(other.tab_), pos_(other.pos_) {}
+
+zrRoundArrayND& zrRoundArrayND::operator=(const zrRoundArrayND& other) {
+  if (this == &other) return *this;
+  zrArray<int>::operator=(other);
+  range_ = other.range_;
+  tab_ = other.tab_;
+  pos_ = other.pos_;
+  return *this;
+}
+
+zrRoundArrayND::~zrRoundArrayND() = default;
+
+void zrRoundArrayND::ToBegin() {
+  pos_ = 0;
+  Fill(0);
+}
+
+void zrRoundArrayND::ToEnd() {
+  pos_ = 0;
+  for (int k = 0; k < Len(); ++k) {
+    (*this)[k] = (*range_)[k];
+    pos_ += (*range_)[k] * (*tab_)[k];
+  }
+}
+
+void zrRoundArrayND::SetPos(zrArray<int>& coords) {
+  const int n = Len();
+  if (coords.Len() < n) throw BadParameters("zrRoundArrayND : Out of range.");
+  for (int k = 0; k < n; ++k)
+    if (coords[k] < 0 || coords[k] >= (*range_)[k])
+      throw BadParameters("zrRoundArrayND : Out of range.");
+  for (int k = 0; k < n; ++k) {
+    (*this)[k] = coords[k];
+    pos_ += (*tab_)[k] * coords[k];
+  }
+}
+
+int zrRoundArrayND::operator++() {
+  const int n = Len();
+  if (n == 0) return 0;
+  int* const c = GetPointer();
+  const int* const r = range_->GetPointer();
+  const int* const t = tab_->GetPointer();
+  for (int k = 0; k < n; ++k) {
+    pos_ += t[k];
+    if (++c[k] < r[k]) return 1;
+    c[k] = 0;
+    pos_ -= r[k] * t[k];
+  }
+  return 0;
+}
+
+int zrRoundArrayND::operator--() {
+  const int n = Len();
+  int* const c = GetPointer();
+  const int* const r = n > 0 ? range_->GetPointer() : nullptr;
+  const int* const t = n > 0 ? tab_->GetPointer() : nullptr;
+  for (int k = 0; k < n; ++k) {
+    if (c[k] > 0) {
+      --c[k];
+      pos_ -= t[k];
+      return 1;
+    }
+    c[k] = r[k];
+    pos_ += r[k] * t[k];
+  }
+  return 0;
+}
