@@ -4,6 +4,7 @@
 #include "zr/arrays/arrays.h"
 #include "zr/core/core.h"
 #include "zr/graph/graph.h"
+#include "zr/linalg/linalg.h"
 #include "zr/ndarray/ndarray.h"
 #include "zr/text/text.h"
 #include "zr/values/values.h"

@@ -1,0 +1,492 @@
+#include "zr/linalg/matrix3diag.h"
+
+#include <cstdint>
+
+namespace zr::detail {
+namespace {
+
+// Element i of a strided run of doubles.
+struct Run {
+  double* p;
+  int step;
+  double& operator[](int i) const { return p[static_cast<long long>(i) * step]; }
+};
+
+Run RunOf(const zrVector<double>& v) { return Run{v.GetPointer(), v.Tab()}; }
+
+// A work array of doubles from the library allocator, freed on every way out.
+class Work {
+ public:
+  explicit Work(int n)
+      : p_(n > 0 ? static_cast<double*>(zrMalloc(static_cast<std::uint64_t>(n) * sizeof(double)))
+                 : nullptr) {}
+  Work(const Work&) = delete;
+  Work& operator=(const Work&) = delete;
+  ~Work() { zrFree(p_); }
+  double* get() const { return p_; }
+  Run run() const { return Run{p_, 1}; }
+
+ private:
+  double* p_;
+};
+
+// The bands of a tridiagonal matrix.
+struct Bands {
+  Run up, diag, down;
+};
+
+Bands BandsOf(const zrMatrix3Diag<double>& a) {
+  return Bands{RunOf(a.Up()), RunOf(a.Diag()), RunOf(a.Down())};
+}
+
+// The sweep for n >= 1 unknowns; alpha and beta hold n - 1 elements. x may be b: b[i] is
+// read before x[i] is written.
+void Sweep(int n, const Bands& a, Run b, Run x, double* alpha, double* beta) {
+  if (n == 1) {
+    x[0] = b[0] / a.diag[0];
+    return;
+  }
+  alpha[0] = -a.up[0] / a.diag[0];
+  beta[0] = b[0] / a.diag[0];
+  for (int i = 1; i <= n - 2; ++i) {
+    const double d = a.down[i - 1] * alpha[i - 1] + a.diag[i];
+    alpha[i] = -a.up[i] / d;
+    beta[i] = (b[i] - a.down[i - 1] * beta[i - 1]) / d;
+  }
+  x[n - 1] =
+      (b[n - 1] - a.down[n - 2] * beta[n - 2]) / (a.down[n - 2] * alpha[n - 2] + a.diag[n - 1]);
+  for (int i = n - 2; i >= 0; --i) x[i] = x[i + 1] * alpha[i] + beta[i];
+}
+
+// LU factorisation of the five-diagonal matrix, n >= 3, with the forward substitution
+// written into x; d holds n and u n - 1 elements. x may be b.
+void Factorize(int n, const Bands& a, Run up2, Run down2, Run b, Run x, double* d, double* u) {
+  d[0] = a.diag[0];
+  u[0] = a.up[0];
+  x[0] = b[0];
+  double l = a.down[0] / d[0];
+  d[1] = a.diag[1] - l * u[0];
+  u[1] = a.up[1] - l * up2[0];
+  x[1] = b[1] - l * x[0];
+  for (int i = 2; i <= n - 1; ++i) {
+    const double mu = down2[i - 2] / d[i - 2];
+    l = (a.down[i - 1] - mu * u[i - 2]) / d[i - 1];
+    d[i] = a.diag[i] - l * u[i - 1] - mu * up2[i - 2];
+    if (i <= n - 2) u[i] = a.up[i] - l * up2[i - 1];
+    x[i] = b[i] - l * x[i - 1] - mu * x[i - 2];
+  }
+  x[n - 1] = x[n - 1] / d[n - 1];
+  x[n - 2] = (x[n - 2] - u[n - 2] * x[n - 1]) / d[n - 2];
+  for (int i = n - 3; i >= 0; --i) x[i] = (x[i] - u[i] * x[i + 1] - up2[i] * x[i + 2]) / d[i];
+}
+
+}  // namespace
+}  // namespace zr::detail
+
+using zr::detail::Bands;
+using zr::detail::Run;
+using zr::detail::Work;
+
+ZR_DEFINE_TYPE_IDENTITY_WITH(template <class TT>, zrMatrix3Diag<TT>, "zrMatrix3Diag")
+
+template <class TT>
+zrMatrix3Diag<TT>::zrMatrix3Diag(int n) {
+  Set(n);
+}
+
+template <class TT>
+zrMatrix3Diag<TT>::zrMatrix3Diag(const zrVector<TT>& up, const zrVector<TT>& diag,
+                                 const zrVector<TT>& down)
+    : up_(up), diag_(diag), down_(down) {}
+
+template <class TT>
+zrMatrix3Diag<TT>::zrMatrix3Diag(const zrMatrix<TT>& m) {
+  const int n = m.ColumnLen() < m.LineLen() ? m.ColumnLen() : m.LineLen();
+  if (n < 1) return;
+  const int step = m.TabInLine() + m.TabInColumn();
+  diag_.SetDirectly(&m(0, 0), n, step, m);
+  if (n < 2) return;
+  up_.SetDirectly(&m(0, 1), n - 1, step, m);
+  down_.SetDirectly(&m(1, 0), n - 1, step, m);
+}
+
+template <class TT>
+zrMatrix3Diag<TT>::zrMatrix3Diag(const zrMatrix3Diag& other)
+    : zrUsingNew(other), up_(other.up_), diag_(other.diag_), down_(other.down_) {}
+
+template <class TT>
+zrMatrix3Diag<TT>& zrMatrix3Diag<TT>::operator=(const zrMatrix3Diag& other) {
+  up_ = other.up_;
+  diag_ = other.diag_;
+  down_ = other.down_;
+  return *this;
+}
+
+template <class TT>
+zrMatrix3Diag<TT>::~zrMatrix3Diag() = default;
+
+template <class TT>
+void zrMatrix3Diag<TT>::Set(int n) {
+  diag_.Set(n);
+  up_.Set(n > 1 ? n - 1 : 0);
+  down_.Set(n > 1 ? n - 1 : 0);
+}
+
+template <class TT>
+void zrMatrix3Diag<TT>::Init(int n) {
+  if (n != diag_.Len()) Set(n);
+}
+
+template <class TT>
+void zrMatrix3Diag<TT>::Set(const zrMatrix3Diag& src, int start, int len) {
+  if (start < 0 || len < 0 || start > src.diag_.Len() - len)
+    throw BadParameters("zrMatrix3Diag: out of range");
+  if (len == 0) {
+    up_.Clear();
+    diag_.Clear();
+    down_.Clear();
+    return;
+  }
+  // Through copies, so that src may be this matrix.
+  const zrMatrix3Diag s(src);
+  diag_.Set(s.diag_, start, len);
+  if (len > 1) {
+    up_.Set(s.up_, start, len - 1);
+    down_.Set(s.down_, start, len - 1);
+  } else {
+    up_.Clear();
+    down_.Clear();
+  }
+}
+
+template <class TT>
+void zrMatrix3Diag<TT>::Move(zrMatrix3Diag& src) {
+  if (&src == this) return;
+  up_.Move(src.up_);
+  diag_.Move(src.diag_);
+  down_.Move(src.down_);
+}
+
+template <class TT>
+void zrMatrix3Diag<TT>::Copy() {
+  up_.Copy();
+  diag_.Copy();
+  down_.Copy();
+}
+
+template <class TT>
+TT& zrMatrix3Diag<TT>::operator()(int i, int j) const {
+  if (j == i) return diag_[i];
+  if (j == i + 1) return up_[i];
+  if (i == j + 1) return down_[j];
+  throw BadParameters("zrMatrix3Diag: out of range");
+}
+
+template <class TT>
+void zrMatrix3Diag<TT>::Fill(const TT& v) {
+  const TT value = v;
+  up_.Fill(value);
+  diag_.Fill(value);
+  down_.Fill(value);
+}
+
+// The scalar is read once: it may be an element of a diagonal.
+#define ZR_DETAIL_M3D_SCALAR_OP(op)                                     \
+  template <class TT>                                                   \
+  zrMatrix3Diag<TT>& zrMatrix3Diag<TT>::operator op##=(const TT& s) {   \
+    const TT value = s;                                                 \
+    up_ op## = value;                                                   \
+    diag_ op## = value;                                                 \
+    down_ op## = value;                                                 \
+    return *this;                                                       \
+  }                                                                     \
+  template <class TT>                                                   \
+  zrMatrix3Diag<TT> zrMatrix3Diag<TT>::operator op(const TT& s) const { \
+    zrMatrix3Diag r = Fresh();                                          \
+    r op## = s;                                                         \
+    return r;                                                           \
+  }
+ZR_DETAIL_M3D_SCALAR_OP(+)
+ZR_DETAIL_M3D_SCALAR_OP(-)
+ZR_DETAIL_M3D_SCALAR_OP(*)
+ZR_DETAIL_M3D_SCALAR_OP(/)
+#undef ZR_DETAIL_M3D_SCALAR_OP
+
+template <class TT>
+zrMatrix3Diag<TT>& zrMatrix3Diag<TT>::operator+=(const zrMatrix3Diag& b) {
+  up_ += b.up_;
+  diag_ += b.diag_;
+  down_ += b.down_;
+  return *this;
+}
+
+template <class TT>
+zrMatrix3Diag<TT>& zrMatrix3Diag<TT>::operator-=(const zrMatrix3Diag& b) {
+  up_ -= b.up_;
+  diag_ -= b.diag_;
+  down_ -= b.down_;
+  return *this;
+}
+
+template <class TT>
+zrMatrix3Diag<TT> zrMatrix3Diag<TT>::operator+(const zrMatrix3Diag& b) const {
+  zrMatrix3Diag r = Fresh();
+  r += b;
+  return r;
+}
+
+template <class TT>
+zrMatrix3Diag<TT> zrMatrix3Diag<TT>::operator-(const zrMatrix3Diag& b) const {
+  zrMatrix3Diag r = Fresh();
+  r -= b;
+  return r;
+}
+
+template <class TT>
+zrMatrix3Diag<TT> zrMatrix3Diag<TT>::operator-() const {
+  zrMatrix3Diag r = Fresh();
+  for (zrVector<TT>* v : {&r.up_, &r.diag_, &r.down_})
+    for (int i = 0; i < v->Len(); ++i) (*v)[i] = TT(-0.0) - (*v)[i];
+  return r;
+}
+
+template <class TT>
+zrMatrix<TT> zrMatrix3Diag<TT>::operator+(const zrMatrix<TT>& m) const {
+  return GetMatrix() + m;
+}
+
+template <class TT>
+zrMatrix<TT> zrMatrix3Diag<TT>::operator-(const zrMatrix<TT>& m) const {
+  return GetMatrix() - m;
+}
+
+template <class TT>
+zrMatrix<TT> zrMatrix3Diag<TT>::operator*(const zrMatrix3Diag& b) const {
+  const int n = LineLen();
+  if (b.LineLen() != n) throw BadParameters("different size.");
+  zrMatrix<TT> r(n, n);
+  r.Fill(TT(0));
+  // (i, j) = sum over k of a(i, k) * b(k, j); a(i, k) is on the band for |i - k| <= 1,
+  // b(k, j) for |k - j| <= 1.
+  for (int i = 0; i < n; ++i) {
+    const int jlo = i - 2 < 0 ? 0 : i - 2;
+    const int jhi = i + 2 > n - 1 ? n - 1 : i + 2;
+    for (int j = jlo; j <= jhi; ++j) {
+      const int klo = (i > j ? i : j) - 1 < 0 ? 0 : (i > j ? i : j) - 1;
+      const int khi = (i < j ? i : j) + 1 > n - 1 ? n - 1 : (i < j ? i : j) + 1;
+      bool first = true;
+      TT sum = TT(0);
+      for (int k = klo; k <= khi; ++k) {
+        const TT p = (*this)(i, k) * b(k, j);
+        sum = first ? p : sum + p;
+        first = false;
+      }
+      if (!first) r(i, j) = sum;
+    }
+  }
+  return r;
+}
+
+template <class TT>
+zrMatrix<TT> zrMatrix3Diag<TT>::operator*(const zrMatrix<TT>& m) const {
+  const int n = LineLen();
+  if (m.ColumnLen() != n) throw BadParameters("different size.");
+  const int cols = m.LineLen();
+  zrMatrix<TT> r(n, cols);
+  for (int i = 0; i < n; ++i) {
+    for (int j = 0; j < cols; ++j) {
+      TT sum = i > 0 ? down_[i - 1] * m(i - 1, j) : TT(0);
+      sum = i > 0 ? sum + diag_[i] * m(i, j) : diag_[i] * m(i, j);
+      if (i < n - 1) sum = sum + up_[i] * m(i + 1, j);
+      r(i, j) = sum;
+    }
+  }
+  return r;
+}
+
+template <class TT>
+zrColumnVector<TT> zrMatrix3Diag<TT>::operator*(const zrColumnVector<TT>& x) const {
+  const int n = LineLen();
+  if (x.Len() != n) throw BadParameters("different length.");
+  zrColumnVector<TT> r(n);
+  for (int i = 0; i < n; ++i) {
+    TT sum = i > 0 ? down_[i - 1] * x[i - 1] : TT(0);
+    sum = i > 0 ? sum + diag_[i] * x[i] : diag_[i] * x[i];
+    if (i < n - 1) sum = sum + up_[i] * x[i + 1];
+    r[i] = sum;
+  }
+  return r;
+}
+
+template <class TT>
+zrMatrix3Diag<TT> zrMatrix3Diag<TT>::T() const {
+  return zrMatrix3Diag(down_, diag_, up_);
+}
+
+template <class TT>
+zrMatrix<TT> zrMatrix3Diag<TT>::GetMatrix() const {
+  const int n = LineLen();
+  zrMatrix<TT> r(n, n);
+  if (n == 0) return r;
+  r.Fill(TT(0));
+  for (int i = 0; i < n; ++i) r(i, i) = diag_[i];
+  for (int i = 0; i + 1 < n; ++i) {
+    r(i, i + 1) = up_[i];
+    r(i + 1, i) = down_[i];
+  }
+  return r;
+}
+
+template <class TT>
+int zrMatrix3Diag<TT>::MemSize() const {
+  return up_.MemSize() + diag_.MemSize() + down_.MemSize();
+}
+
+template <class TT>
+int zrMatrix3Diag<TT>::ToMem(unsigned char* buffer) const {
+  int n = up_.ToMem(buffer);
+  n += diag_.ToMem(buffer + n);
+  return n + down_.ToMem(buffer + n);
+}
+
+template <class TT>
+int zrMatrix3Diag<TT>::FromMem(const unsigned char* buffer) {
+  int n = up_.FromMem(buffer);
+  n += diag_.FromMem(buffer + n);
+  return n + down_.FromMem(buffer + n);
+}
+
+template <class TT>
+zrMatrix3Diag<TT> zrMatrix3Diag<TT>::Fresh() const {
+  zrMatrix3Diag r;
+  r = *this;
+  return r;
+}
+
+// ---- Solvers ----
+
+template <class TT>
+void zrMatrix3Diag<TT>::SolveEquationChaserMethod(zrColumnVector<TT>& x,
+                                                  const zrColumnVector<TT>& b) const {
+  const int n = LineLen();
+  if (b.Len() != n) throw BadParameters("different size.");
+  Work alpha(n - 1), beta(n - 1);
+  x.Init(n);
+  if (n > 0)
+    zr::detail::Sweep(n, zr::detail::BandsOf(*this), zr::detail::RunOf(b), zr::detail::RunOf(x),
+                      alpha.get(), beta.get());
+}
+
+template <class TT>
+void zrMatrix3Diag<TT>::SolveEquationChaserMethod(zrMatrix<TT>& X, const zrMatrix<TT>& B) const {
+  const int n = LineLen();
+  const int cols = B.LineLen();
+  if (cols > 0 && B.ColumnLen() != n) throw BadParameters("different size.");
+  Work alpha(n - 1), beta(n - 1);
+  X.Init(B.ColumnLen(), cols);
+  if (n == 0) return;
+  const Bands a = zr::detail::BandsOf(*this);
+  for (int j = 0; j < cols; ++j)
+    zr::detail::Sweep(n, a, Run{&B(0, j), B.TabInColumn()}, Run{&X(0, j), X.TabInColumn()},
+                      alpha.get(), beta.get());
+}
+
+template <class TT>
+void zrMatrix3Diag<TT>::SolveEquationCycleChaserMethod(zrColumnVector<TT>& x,
+                                                       const zrColumnVector<TT>& b, const TT& top,
+                                                       const TT& bottom) const {
+  const int n = LineLen();
+  if (n < 3 || b.Len() != n) throw BadParameters("different size.");
+  const TT t = top, bt = bottom;  // read before x is written: they may be its elements
+  const int m = n - 1;
+  Work alpha(m - 1), beta(m - 1), w(m), z(m);
+  x.Init(n);
+  const Bands a = zr::detail::BandsOf(*this);
+  const Run xs = zr::detail::RunOf(x), bs = zr::detail::RunOf(b);
+  // The leading block solves for u = x[0 .. m-1] and for the coupling column z.
+  zr::detail::Sweep(m, a, bs, xs, alpha.get(), beta.get());
+  for (int i = 0; i < m; ++i) w.get()[i] = 0;
+  w.get()[0] = t;
+  w.get()[m - 1] = a.up[n - 2];
+  zr::detail::Sweep(m, a, w.run(), z.run(), alpha.get(), beta.get());
+  const double* zz = z.get();
+  const double last = (bs[n - 1] - bt * xs[0] - a.down[n - 2] * xs[n - 2]) /
+                      (a.diag[n - 1] - a.down[n - 2] * zz[n - 2] - bt * zz[0]);
+  xs[n - 1] = last;
+  for (int i = 0; i < m; ++i) xs[i] = xs[i] - zz[i] * last;
+}
+
+template <class TT>
+void zrMatrix3Diag<TT>::SolveEquationFactorizeMethod(const zrVector<TT>& up2,
+                                                     const zrVector<TT>& down2,
+                                                     zrColumnVector<TT>& x,
+                                                     const zrColumnVector<TT>& b) const {
+  const int n = LineLen();
+  if (b.Len() != n) throw BadParameters("different size.");
+  if (n < 3) throw BadParameters("invalid size : size < 3.");
+  if (up2.Len() < n - 2 || down2.Len() < n - 2) throw BadParameters("different size.");
+  Work d(n), u(n - 1);
+  x.Init(n);
+  zr::detail::Factorize(n, zr::detail::BandsOf(*this), zr::detail::RunOf(up2),
+                        zr::detail::RunOf(down2), zr::detail::RunOf(b), zr::detail::RunOf(x),
+                        d.get(), u.get());
+}
+
+template <class TT>
+void zrMatrix3Diag<TT>::SolveEquationCycleFactorizeMethod(const zrVector<TT>& up2,
+                                                          const zrVector<TT>& down2, const TT& a0n2,
+                                                          const TT& a0n1, const TT& a1n1,
+                                                          const TT& an20, const TT& an10,
+                                                          const TT& an11, zrColumnVector<TT>& x,
+                                                          const zrColumnVector<TT>& b) const {
+  const int n = LineLen();
+  if (n < 3 || b.Len() != n) throw BadParameters("different size.");
+  if (up2.Len() < n - 2 || down2.Len() < n - 2) throw BadParameters("different size.");
+  const int m = n - 2;
+  if (m < 3) throw BadParameters("invalid size : size < 3.");
+  // The corners are read before x is written: they may be its elements.
+  const TT k02 = a0n2, k01 = a0n1, k12 = a1n1, k21 = an20, k10 = an10, k11 = an11;
+  Work d(m), u(m - 1), col0(m), col1(m), z0(m), z1(m);
+  x.Init(n);
+  const Bands a = zr::detail::BandsOf(*this);
+  const Run p2 = zr::detail::RunOf(up2), q2 = zr::detail::RunOf(down2);
+  const Run xs = zr::detail::RunOf(x), bs = zr::detail::RunOf(b);
+
+  // The correction columns: columns n-2 and n-1 of the first m rows.
+  const Run c0 = col0.run(), c1 = col1.run();
+  for (int i = 0; i < m; ++i) c0[i] = c1[i] = 0;
+  c0[0] = k02;
+  c0[m - 2] = p2[n - 4];
+  c0[m - 1] = a.up[n - 3];
+  c1[0] = k01;
+  c1[1] = k12;
+  c1[m - 1] = p2[n - 3];
+
+  // The leading block: y into x[0 .. m-1], then the two correction columns.
+  zr::detail::Factorize(m, a, p2, q2, bs, xs, d.get(), u.get());
+  zr::detail::Factorize(m, a, p2, q2, c0, z0.run(), d.get(), u.get());
+  zr::detail::Factorize(m, a, p2, q2, c1, z1.run(), d.get(), u.get());
+
+  // The trailing 2 x 2 system; R's rows are (k21 at 0, down2[n-4] at m-2, Down[n-3] at
+  // m-1) and (k10 at 0, k11 at 1, down2[n-3] at m-1).
+  const auto row0 = [&](Run v) {
+    return k21 * v[0] + q2[n - 4] * v[m - 2] + a.down[n - 3] * v[m - 1];
+  };
+  const auto row1 = [&](Run v) { return k10 * v[0] + k11 * v[1] + q2[n - 3] * v[m - 1]; };
+  zrMatrix<TT> s(2, 2);
+  s(0, 0) = a.diag[n - 2] - row0(z0.run());
+  s(0, 1) = a.up[n - 2] - row0(z1.run());
+  s(1, 0) = a.down[n - 2] - row1(z0.run());
+  s(1, 1) = a.diag[n - 1] - row1(z1.run());
+  zrColumnVector<TT> rhs(2), tail;
+  rhs[0] = bs[n - 2] - row0(xs);
+  rhs[1] = bs[n - 1] - row1(xs);
+  s.SolveEquationGaussMethod(tail, rhs);
+
+  const double xa = tail[0], xb = tail[1];
+  for (int i = 0; i < m; ++i) xs[i] = xs[i] - z0.get()[i] * xa - z1.get()[i] * xb;
+  xs[n - 2] = xa;
+  xs[n - 1] = xb;
+}
+
+ZR_INSTANTIATE_TEMPLATE(class, zrMatrix3Diag<double>);

@@ -1,0 +1,513 @@
+// The member definitions of zrMatrix<TT>. The library includes this file to instantiate
+// the matrix for ZR_LINALG_TYPES; include it yourself only to instantiate it for a type
+// of your own.
+#pragma once
+
+#include <cstdint>
+#include <utility>
+
+#include "zr/linalg/matrix.h"
+#include "zr/linalg/vector_impl.h"
+
+namespace zr::detail {
+
+// n pointers from zrMalloc, released with the buffer.
+template <class P>
+class PointerBuffer {
+ public:
+  explicit PointerBuffer(int n) : p_(static_cast<P*>(zrMalloc(Bytes(n)))) {}
+  PointerBuffer(const PointerBuffer&) = delete;
+  PointerBuffer& operator=(const PointerBuffer&) = delete;
+  ~PointerBuffer() { zrFree(p_); }
+  P& operator[](int i) { return p_[i]; }
+  P* get() { return p_; }
+
+ private:
+  static std::uint64_t Bytes(int n) {
+    const std::uint64_t size = sizeof(P);  // NOLINT(bugprone-sizeof-expression): P is a pointer
+    return static_cast<std::uint64_t>(n > 0 ? n : 1) * size;
+  }
+
+  P* p_;
+};
+
+// Element m of a row reached through a row pointer, with the matrix's step in line.
+template <class TT>
+TT& RowAt(TT* row, int m, int step) {
+  return row[static_cast<long long>(m) * step];
+}
+
+// The forward elimination shared by the solver, Inverse1 and Det, on n row pointers of a
+// matrix with `cols` columns and step in line `step`. b (n element pointers) and e (n
+// pointers to contiguous rows of en elements) may be null; every exchange is applied to
+// all the arrays given. Returns the number of completed columns: the index of the first
+// zero pivot, or n when none stopped it (more than cols when there are more rows than
+// columns, which throws the "inconsistent" text).
+template <class TT>
+int ForwardEliminate(TT** rows, int n, int cols, int step, TT** b, TT** e, int en) {
+  const int last = n < cols ? n : cols;
+  int completed = n;
+  for (int k = 0; k < last; ++k) {
+    // The exchange is made during the scan, as the library always has.
+    auto best = PivotMagnitude(RowAt(rows[k], k, step));
+    for (int i = k + 1; i < n; ++i) {
+      const auto v = PivotMagnitude(RowAt(rows[i], k, step));
+      if (v > best) {
+        std::swap(rows[k], rows[i]);
+        if (b) std::swap(b[k], b[i]);
+        if (e) std::swap(e[k], e[i]);
+        best = v;
+      }
+    }
+    const TT p = RowAt(rows[k], k, step);
+    if (IsZeroPivot(p)) {
+      completed = k;
+      break;
+    }
+    const TT inv = LinalgOne<TT>() / p;
+    for (int m = k + 1; m < cols; ++m) {
+      TT& a = RowAt(rows[k], m, step);
+      a = a * inv;
+    }
+    if (b) *b[k] = *b[k] * inv;
+    if (e) {
+      for (int m = 0; m < en; ++m) e[k][m] = e[k][m] * inv;
+    }
+    for (int j = k + 1; j < n; ++j) {
+      const TT l = RowAt(rows[j], k, step);
+      if (IsZeroElement(l)) continue;
+      const TT linv = LinalgOne<TT>() / l;
+      for (int m = k + 1; m < cols; ++m) {
+        ScaleSubtract(RowAt(rows[j], m, step), linv, l, RowAt(rows[k], m, step));
+      }
+      if (b) ScaleSubtract(*b[j], linv, l, *b[k]);
+      if (e) {
+        for (int m = 0; m < en; ++m) ScaleSubtract(e[j][m], linv, l, e[k][m]);
+      }
+    }
+  }
+  if (completed > cols) throw BadParameters(ZR_TEXT_SYSTEM_INCONSISTENT);
+  return completed;
+}
+
+}  // namespace zr::detail
+
+ZR_DEFINE_TYPE_IDENTITY_WITH(template <class TT>, zrMatrix<TT>, "zrMatrix")
+
+template <class TT>
+zrMatrix<TT>::zrMatrix(int rows, int cols) {
+  Set(rows, cols);
+}
+
+template <class TT>
+zrMatrix<TT>::zrMatrix(const zrMatrix& other)
+    : zrPArray(),
+      p_(other.p_),
+      step_line_(other.step_line_),
+      step_column_(other.step_column_),
+      cols_(other.cols_),
+      rows_(other.rows_) {
+  if (other.GetMem()) zrIncMemRef(other.GetMem());
+  InitMem(other.GetMem());
+}
+
+template <class TT>
+zrMatrix<TT>& zrMatrix<TT>::operator=(const zrMatrix& other) {
+  if (&other == this) return *this;
+  // other holds its own count of its block, so releasing ours cannot free its elements.
+  if (rows_ != other.rows_ || cols_ != other.cols_) Set(other.rows_, other.cols_);
+  for (int i = 0; i < rows_; ++i) {
+    for (int j = 0; j < cols_; ++j) (*this)(i, j) = other(i, j);
+  }
+  return *this;
+}
+
+template <class TT>
+zrMatrix<TT>::~zrMatrix() {
+  zrDeleteWithRef(static_cast<TT*>(GetMem()));
+}
+
+template <class TT>
+void zrMatrix<TT>::Fresh(int rows, int cols) {
+  const std::int64_t n = static_cast<std::int64_t>(rows) * cols;
+  if (n > INT32_MAX) throw zrErrNoMemory(static_cast<std::uint64_t>(n) * sizeof(TT));
+  TT* block = nullptr;
+  zrNewWithRef(block, static_cast<int>(n));
+  void* const old = GetMem();
+  InitMem(block);
+  zrDeleteWithRef(static_cast<TT*>(old));
+  p_ = block;
+  step_line_ = 1;
+  step_column_ = cols;
+  cols_ = cols;
+  rows_ = rows;
+}
+
+template <class TT>
+void zrMatrix<TT>::Set(int rows, int cols) {
+  if (rows < 0 || cols < 0) zr::detail::ThrowNewWithRefCount();
+  if (rows == 0 || cols == 0) {
+    Clear();
+    return;
+  }
+  Fresh(rows, cols);
+}
+
+template <class TT>
+void zrMatrix<TT>::Init(int rows, int cols) {
+  if (rows != rows_ || cols != cols_) Set(rows, cols);
+}
+
+template <class TT>
+void zrMatrix<TT>::Set(const zrMatrix& src, int row, int col, int rows, int cols) {
+  TT* const first = &src(row, col);
+  const int a = src.step_line_;
+  const int c = src.step_column_;
+  SetMem(src.GetMem());
+  p_ = first;
+  step_line_ = a;
+  step_column_ = c;
+  cols_ = cols;
+  rows_ = rows;
+}
+
+template <class TT>
+void zrMatrix<TT>::SetDirectly(TT* data, int rows, int cols, int stepInLine, int stepInColumn) {
+  SetMem(nullptr);
+  p_ = data;
+  step_line_ = stepInLine;
+  step_column_ = stepInColumn;
+  cols_ = cols;
+  rows_ = rows;
+}
+
+template <class TT>
+void zrMatrix<TT>::SetMem(void* const block) {
+  void* const old = GetMem();
+  if (block == old) return;
+  if (block) zrIncMemRef(block);
+  InitMem(block);
+  zrDeleteWithRef(static_cast<TT*>(old));
+}
+
+template <class TT>
+void zrMatrix<TT>::Free() {
+  zrDeleteWithRef(static_cast<TT*>(GetMem()));
+  FreeMem();
+}
+
+template <class TT>
+void zrMatrix<TT>::Clear() {
+  SetMem(nullptr);
+  p_ = nullptr;
+  step_line_ = step_column_ = cols_ = rows_ = 0;
+}
+
+template <class TT>
+void zrMatrix<TT>::Move(zrMatrix& src) {
+  if (&src == this) return;
+  SetMem(src.GetMem());
+  p_ = src.p_;
+  step_line_ = src.step_line_;
+  step_column_ = src.step_column_;
+  cols_ = src.cols_;
+  rows_ = src.rows_;
+  src.Clear();
+}
+
+template <class TT>
+void zrMatrix<TT>::swap(zrMatrix& other) {
+  void* const mem = GetMem();
+  InitMem(other.GetMem());
+  other.InitMem(mem);
+  std::swap(p_, other.p_);
+  std::swap(step_line_, other.step_line_);
+  std::swap(step_column_, other.step_column_);
+  std::swap(cols_, other.cols_);
+  std::swap(rows_, other.rows_);
+}
+
+template <class TT>
+void zrMatrix<TT>::Copy() {
+  if (!IsShared()) return;
+  zrMatrix tmp;
+  tmp.Move(*this);
+  *this = tmp;
+}
+
+template <class TT>
+zrMatrix<TT> zrMatrix<TT>::T() const {
+  zrMatrix t(*this);
+  std::swap(t.step_line_, t.step_column_);
+  std::swap(t.cols_, t.rows_);
+  return t;
+}
+
+template <class TT>
+void zrMatrix<TT>::GetLine(zrLineVector<TT>& out, int i) const {
+  out.SetDirectly(&(*this)(i, 0), cols_, step_line_, *this);
+}
+
+template <class TT>
+void zrMatrix<TT>::GetColumn(zrColumnVector<TT>& out, int j) const {
+  out.SetDirectly(&(*this)(0, j), rows_, step_column_, *this);
+}
+
+template <class TT>
+void zrMatrix<TT>::Fill(const TT& value) {
+  const TT v = value;
+  for (int i = 0; i < rows_; ++i) {
+    for (int j = 0; j < cols_; ++j) (*this)(i, j) = v;
+  }
+}
+
+template <class TT>
+void zrMatrix<TT>::SetE() {
+  Fill(TT{});
+  const int n = rows_ < cols_ ? rows_ : cols_;
+  for (int i = 0; i < n; ++i) (*this)(i, i) = zr::detail::LinalgOne<TT>();
+}
+
+#define ZR_DETAIL_MATRIX_COMPOUND(op)                        \
+  template <class TT>                                        \
+  zrMatrix<TT>& zrMatrix<TT>::operator op(const TT& value) { \
+    const TT v = value;                                      \
+    for (int i = 0; i < rows_; ++i) {                        \
+      for (int j = 0; j < cols_; ++j) (*this)(i, j) op v;    \
+    }                                                        \
+    return *this;                                            \
+  }
+ZR_DETAIL_MATRIX_COMPOUND(+=)
+ZR_DETAIL_MATRIX_COMPOUND(-=)
+ZR_DETAIL_MATRIX_COMPOUND(*=)
+ZR_DETAIL_MATRIX_COMPOUND(/=)
+#undef ZR_DETAIL_MATRIX_COMPOUND
+
+#define ZR_DETAIL_MATRIX_SCALAR(op)                                      \
+  template <class TT>                                                    \
+  zrMatrix<TT> zrMatrix<TT>::operator op(const TT& value) const {        \
+    zrMatrix r(rows_, cols_);                                            \
+    for (int i = 0; i < r.rows_; ++i) {                                  \
+      for (int j = 0; j < r.cols_; ++j) r(i, j) = (*this)(i, j)op value; \
+    }                                                                    \
+    return r;                                                            \
+  }
+ZR_DETAIL_MATRIX_SCALAR(+)
+ZR_DETAIL_MATRIX_SCALAR(-)
+ZR_DETAIL_MATRIX_SCALAR(*)
+ZR_DETAIL_MATRIX_SCALAR(/)
+#undef ZR_DETAIL_MATRIX_SCALAR
+
+template <class TT>
+zrMatrix<TT> zrMatrix<TT>::operator-() const {
+  zrMatrix r(rows_, cols_);
+  for (int i = 0; i < r.rows_; ++i) {
+    for (int j = 0; j < r.cols_; ++j) r(i, j) = -(*this)(i, j);
+  }
+  return r;
+}
+
+template <class TT>
+zrMatrix<TT>& zrMatrix<TT>::operator+=(const zrMatrix& other) {
+  if (rows_ != other.rows_ || cols_ != other.cols_) {
+    Set(other.rows_, other.cols_);
+    Fill(TT{});
+  }
+  for (int i = 0; i < rows_; ++i) {
+    for (int j = 0; j < cols_; ++j) (*this)(i, j) = (*this)(i, j) + other(i, j);
+  }
+  return *this;
+}
+
+template <class TT>
+zrMatrix<TT>& zrMatrix<TT>::operator-=(const zrMatrix& other) {
+  if (rows_ != other.rows_ || cols_ != other.cols_) {
+    Set(other.rows_, other.cols_);
+    Fill(TT{});
+  }
+  for (int i = 0; i < rows_; ++i) {
+    for (int j = 0; j < cols_; ++j) (*this)(i, j) = (*this)(i, j) - other(i, j);
+  }
+  return *this;
+}
+
+template <class TT>
+zrMatrix<TT> zrMatrix<TT>::operator+(const zrMatrix& other) const {
+  if (rows_ != other.rows_ || cols_ != other.cols_) throw BadParameters("different size.");
+  zrMatrix r(rows_, cols_);
+  for (int i = 0; i < r.rows_; ++i) {
+    for (int j = 0; j < r.cols_; ++j) r(i, j) = (*this)(i, j) + other(i, j);
+  }
+  return r;
+}
+
+template <class TT>
+zrMatrix<TT> zrMatrix<TT>::operator-(const zrMatrix& other) const {
+  if (rows_ != other.rows_ || cols_ != other.cols_) throw BadParameters("different size.");
+  zrMatrix r(rows_, cols_);
+  for (int i = 0; i < r.rows_; ++i) {
+    for (int j = 0; j < r.cols_; ++j) r(i, j) = (*this)(i, j) - other(i, j);
+  }
+  return r;
+}
+
+template <class TT>
+zrMatrix<TT> zrMatrix<TT>::operator*(const zrMatrix& other) const {
+  if (cols_ != other.rows_) throw BadParameters("different size.");
+  zrMatrix r(rows_, other.cols_);
+  for (int i = 0; i < r.rows_; ++i) {
+    for (int j = 0; j < r.cols_; ++j) {
+      TT sum = cols_ > 0 ? (*this)(i, 0) * other(0, j) : TT{};
+      for (int k = 1; k < cols_; ++k) sum = sum + (*this)(i, k) * other(k, j);
+      r(i, j) = sum;
+    }
+  }
+  return r;
+}
+
+template <class TT>
+zrColumnVector<TT> zrMatrix<TT>::operator*(const zrColumnVector<TT>& v) const {
+  if (cols_ != v.Len()) throw BadParameters("different length.");
+  zrColumnVector<TT> r(rows_);
+  for (int i = 0; i < rows_; ++i) {
+    TT sum = cols_ > 0 ? (*this)(i, 0) * v[0] : TT{};
+    for (int k = 1; k < cols_; ++k) sum = sum + (*this)(i, k) * v[k];
+    r[i] = sum;
+  }
+  return r;
+}
+
+template <class TT>
+void zrMatrix<TT>::SelfTMulSelf(zrMatrix& out) const {
+  // Built aside: out may be this matrix or view its elements.
+  zrMatrix r(cols_, cols_);
+  for (int k = 0; k < cols_; ++k) {
+    for (int m = k; m < cols_; ++m) {
+      TT sum = rows_ > 0 ? (*this)(0, k) * (*this)(0, m) : TT{};
+      for (int i = 1; i < rows_; ++i) sum = sum + (*this)(i, k) * (*this)(i, m);
+      r(k, m) = sum;
+      if (k != m) r(m, k) = sum;
+    }
+  }
+  out = r;
+}
+
+template <class TT>
+void zrMatrix<TT>::SolveEquationGaussMethod(zrColumnVector<TT>& x, zrColumnVector<TT>& b) {
+  const int n = rows_;
+  if (b.Len() != n) throw BadParameters("different size.");
+  zr::detail::PointerBuffer<TT*> rows(n);
+  zr::detail::PointerBuffer<TT*> bp(n);
+  for (int i = 0; i < n; ++i) {
+    rows[i] = &(*this)(i, 0);
+    bp[i] = &b[i];
+  }
+  zr::detail::ForwardEliminate(rows.get(), n, cols_, step_line_, bp.get(),
+                               static_cast<TT**>(nullptr), 0);
+  // Solved aside, so that x may share elements with b or this matrix, and x is left as it
+  // was when the system has no unique solution.
+  zrColumnVector<TT> r(n);
+  for (int i = n - 1; i >= 0; --i) {
+    TT xi = *bp[i];
+    for (int m = n - 1; m > i; --m) xi = xi - r[m] * zr::detail::RowAt(rows[i], m, step_line_);
+    r[i] = xi;
+    if (zr::detail::IsZeroPivot(zr::detail::RowAt(rows[i], i, step_line_)))
+      throw BadParameters(ZR_TEXT_SYSTEM_NOT_UNIQUE);
+  }
+  x = r;
+}
+
+template <class TT>
+zrMatrix<TT> zrMatrix<TT>::Inverse1() {
+  if (rows_ != cols_) throw BadParameters("Matrix must be square.");
+  const int n = rows_;
+  zrMatrix e(n, n);
+  e.SetE();
+  zr::detail::PointerBuffer<TT*> rows(n);
+  zr::detail::PointerBuffer<TT*> er(n);
+  for (int i = 0; i < n; ++i) {
+    rows[i] = &(*this)(i, 0);
+    er[i] = &e(i, 0);
+  }
+  zr::detail::ForwardEliminate(rows.get(), n, cols_, step_line_, static_cast<TT**>(nullptr),
+                               er.get(), n);
+  zrMatrix r(n, n);
+  for (int i = n - 1; i >= 0; --i) {
+    for (int c = 0; c < n; ++c) r(i, c) = er[i][c];
+    for (int m = n - 1; m > i; --m) {
+      const TT a = zr::detail::RowAt(rows[i], m, step_line_);
+      for (int c = 0; c < n; ++c) r(i, c) = r(i, c) - r(m, c) * a;
+    }
+    if (zr::detail::IsZeroPivot(zr::detail::RowAt(rows[i], i, step_line_)))
+      throw BadParameters(ZR_TEXT_SYSTEM_NOT_UNIQUE);
+  }
+  return r;
+}
+
+template <class TT>
+zrMatrix<TT> zrMatrix<TT>::Inverse() const {
+  zrMatrix copy(*this);
+  copy.Copy();
+  return copy.Inverse1();
+}
+
+template <class TT>
+TT zrMatrix<TT>::Det() const {
+  if (rows_ != cols_) throw BadParameters("Det: Matrix must be square.");
+  const int n = rows_;
+  if (n == 0) return zr::detail::LinalgOne<TT>();
+  zrMatrix copy(*this);
+  copy.Copy();
+  zr::detail::PointerBuffer<TT*> rows(n);
+  for (int i = 0; i < n; ++i) rows[i] = &copy(i, 0);
+  zr::detail::ForwardEliminate(rows.get(), n, n, copy.step_line_, static_cast<TT**>(nullptr),
+                               static_cast<TT**>(nullptr), 0);
+  TT det = zr::detail::RowAt(rows[0], 0, copy.step_line_);
+  for (int i = 1; i < n; ++i) det = det * zr::detail::RowAt(rows[i], i, copy.step_line_);
+  return det;
+}
+
+template <class TT>
+int zrMatrix<TT>::PositiveLength() const {
+  if (rows_ == 0 || cols_ == 0) return 0;
+  const std::int64_t a = step_line_;
+  const std::int64_t c = step_column_;
+  const std::int64_t n = (a < 0 ? 1 : (cols_ - 1) * a + 1) + (c >= 0 ? (rows_ - 1) * c : 0);
+  return static_cast<int>(n);
+}
+
+template <class TT>
+int zrMatrix<TT>::NegativeLength() const {
+  if (rows_ == 0 || cols_ == 0) return 0;
+  const std::int64_t a = step_line_;
+  const std::int64_t c = step_column_;
+  return static_cast<int>((a < 0 ? (cols_ - 1) * a : 0) + (c < 0 ? (rows_ - 1) * c : 0));
+}
+
+template <class TT>
+int zrMatrix<TT>::MemSize() const {
+  return rows_ * cols_ * static_cast<int>(sizeof(TT)) + 8;
+}
+
+template <class TT>
+int zrMatrix<TT>::ToMem(unsigned char* buffer) const {
+  int at = zr::detail::RawToMem(buffer, rows_);
+  at += zr::detail::RawToMem(buffer + at, cols_);
+  for (int i = 0; i < rows_; ++i) {
+    for (int j = 0; j < cols_; ++j) at += zrToMem(buffer + at, (*this)(i, j));
+  }
+  return at;
+}
+
+template <class TT>
+int zrMatrix<TT>::FromMem(const unsigned char* buffer) {
+  std::int32_t rows = 0;
+  std::int32_t cols = 0;
+  int at = zr::detail::RawFromMem(buffer, rows);
+  at += zr::detail::RawFromMem(buffer + at, cols);
+  Set(rows, cols);
+  for (int i = 0; i < rows_; ++i) {
+    for (int j = 0; j < cols_; ++j) at += zrFromMem(buffer + at, (*this)(i, j));
+  }
+  return at;
+}
