@@ -1,0 +1,76 @@
+#include "zr/curves/curve.h"
+
+#include <cmath>
+
+ZR_DEFINE_TYPE_IDENTITY(zrCurve2D)
+
+zrCurve2D::~zrCurve2D() = default;
+
+zrVec2 zrCurve2D::GetCenter() const {
+  const zrCurve2D& c = *this;
+  double sx = 0.0;
+  double sy = 0.0;
+  for (int i = 0; i < Len(); ++i) {
+    sx += c[i].X();
+    sy += c[i].Y();
+  }
+  return zrVec2(sx / Len(), sy / Len());
+}
+
+zrRect<zrVec2> zrCurve2D::GetRect() const {
+  const zrCurve2D& c = *this;
+  zrVec2 lo = c[0];
+  zrVec2 hi = c[0];
+  for (int i = 1; i < Len(); ++i) {
+    lo = c[i].Min(lo);
+    hi = c[i].Max(hi);
+  }
+  return zrRect<zrVec2>(lo, hi);
+}
+
+int zrCurve2D::GetIndexOfMinDistance(double& dist, const zrVec2& p) const {
+  const zrCurve2D& c = *this;
+  int best = 0;
+  double bestSq = (c[0] - p).ScalarMul();
+  for (int i = 1; i < Len(); ++i) {
+    const double sq = (c[i] - p).ScalarMul();
+    if (sq < bestSq) {
+      bestSq = sq;
+      best = i;
+    }
+  }
+  dist = std::sqrt(bestSq);
+  return best;
+}
+
+int zrCurve2D::GetIndexOfMaxDistance(double& dist, const zrVec2& p) const {
+  const zrCurve2D& c = *this;
+  int best = 0;
+  double bestSq = (c[0] - p).ScalarMul();
+  for (int i = 1; i < Len(); ++i) {
+    const double sq = (c[i] - p).ScalarMul();
+    if (sq > bestSq) {
+      bestSq = sq;
+      best = i;
+    }
+  }
+  dist = std::sqrt(bestSq);
+  return best;
+}
+
+int zrCurve2D::GetIndexOfMaxDistance(int& index, const zrCurve2D& other) const {
+  double best = 0.0;
+  index = GetIndexOfMinDistance(best, other[0]);
+  if (other.Len() < 2) return 0;
+  int bestJ = 0;
+  for (int j = 1; j < other.Len(); ++j) {
+    double dist = 0.0;
+    const int k = GetIndexOfMinDistance(dist, other[j]);
+    if (dist > best) {
+      best = dist;
+      bestJ = j;
+      index = k;
+    }
+  }
+  return bestJ;
+}

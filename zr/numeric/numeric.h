@@ -1,0 +1,6 @@
+// Numerical methods: polynomials and cubic splines.
+#pragma once
+
+#include "zr/core/core.h"
+#include "zr/numeric/polynom.h"
+#include "zr/numeric/spline.h"
