@@ -1,4 +1,5 @@
-// zr: the whole library. #include <zr/zr.h> with the repository root as include root.
+/// \file
+/// zr: the whole library. #include <zr/zr.h> with the repository root as include root.
 #pragma once
 
 #include "zr/arrays/arrays.h"

@@ -1,4 +1,5 @@
-// Arrays: the shared buffer base and the one- and two-dimensional arrays.
+/// \file
+/// Arrays: the shared buffer base and the one- and two-dimensional arrays.
 #pragma once
 
 #include "zr/arrays/array.h"

@@ -1,25 +1,26 @@
-// zrPArray: the shared buffer base of every array-like class.
-//
-// An array holds a pointer to a reference-counted block (zr/core/memory.h) and describes
-// its elements around an origin: Pointer() is the address of element 0,
-// PositiveLength() the number of elements reached from there towards higher addresses,
-// NegativeLength() the extent below it. Strided views report a negative extent for a
-// negative step ((length - 1) * step); the byte forms and the range checks use the value
-// with the sign it has.
-//
-// Sharing states, as the interface reads them:
-//   sole owner  a block, GetNumOfRef() == 0, IsShared() == 0
-//   sharing     a block, GetNumOfRef() > 0,  IsShared() == 1
-//   external    no block (the array views memory it does not own):
-//               IsExternShared() == 1, IsShared() == 1, GetNumOfRef() == 0
-// Writes through any sharer are seen by all the others; Copy() makes the elements
-// private. Which operations share and which copy is each derived class's contract.
-//
-// The virtual operations keep this order in every array class, which appends its own
-// after them: SetMem, GetMem, GetNumOfRef, IsShared, IsExternShared, Pointer,
-// PositiveLength, NegativeLength, GetSizeOfType, Copy, CheckPointer(),
-// CheckPointer(p, n), CheckPointerWithThrow(), CheckPointerWithThrow(p, n),
-// BytePositiveLength, ByteNegativeLength, MemSize, ToMem, FromMem.
+/// \file
+/// zrPArray: the shared buffer base of every array-like class.
+///
+/// An array holds a pointer to a reference-counted block (zr/core/memory.h) and describes
+/// its elements around an origin: Pointer() is the address of element 0,
+/// PositiveLength() the number of elements reached from there towards higher addresses,
+/// NegativeLength() the extent below it. Strided views report a negative extent for a
+/// negative step ((length - 1) * step); the byte forms and the range checks use the value
+/// with the sign it has.
+///
+/// Sharing states, as the interface reads them:
+///   sole owner  a block, GetNumOfRef() == 0, IsShared() == 0
+///   sharing     a block, GetNumOfRef() > 0,  IsShared() == 1
+///   external    no block (the array views memory it does not own):
+///               IsExternShared() == 1, IsShared() == 1, GetNumOfRef() == 0
+/// Writes through any sharer are seen by all the others; Copy() makes the elements
+/// private. Which operations share and which copy is each derived class's contract.
+///
+/// The virtual operations keep this order in every array class, which appends its own
+/// after them: SetMem, GetMem, GetNumOfRef, IsShared, IsExternShared, Pointer,
+/// PositiveLength, NegativeLength, GetSizeOfType, Copy, CheckPointer(),
+/// CheckPointer(p, n), CheckPointerWithThrow(), CheckPointerWithThrow(p, n),
+/// BytePositiveLength, ByteNegativeLength, MemSize, ToMem, FromMem.
 #pragma once
 
 #include "zr/core/core.h"
@@ -27,59 +28,59 @@
 class ZR_API zrPArray : public zrRefCount {
   ZR_TYPE_IDENTITY
  public:
-  // Object count 0, no block.
+  /// Object count 0, no block.
   zrPArray() = default;
-  // Takes the block pointer over as it is, without counting: the derived copy
-  // constructor does the sharing or copying. The copy's own count starts at 0.
+  /// Takes the block pointer over as it is, without counting: the derived copy
+  /// constructor does the sharing or copying. The copy's own count starts at 0.
   zrPArray(const zrPArray& other) : zrRefCount(other), mem_(other.mem_) {}
-  // Copies the object count and the block pointer raw, without counting; the derived
-  // assignments do the sharing.
+  /// Copies the object count and the block pointer raw, without counting; the derived
+  /// assignments do the sharing.
   zrPArray& operator=(const zrPArray& other) {  // NOLINT(bugprone-unhandled-self-assignment)
     zrRefCount::operator=(other);
     mem_ = other.mem_;
     return *this;
   }
-  // Releases nothing: the derived class releases the block.
+  /// Releases nothing: the derived class releases the block.
   ~zrPArray() override;
 
-  // Switches to another block without ever freeing: counts the new block (zrIncMemRef)
-  // and then lets the old one go with zrDecMemRef, which throws
-  // "zrDecMemRef : Number of reference <= 0." when this was its last holder. Arrays
-  // override it with a switch that releases (and may free) the old block.
+  /// Switches to another block without ever freeing: counts the new block (zrIncMemRef)
+  /// and then lets the old one go with zrDecMemRef, which throws
+  /// "zrDecMemRef : Number of reference <= 0." when this was its last holder. Arrays
+  /// override it with a switch that releases (and may free) the old block.
   virtual void SetMem(void* const block);
   virtual void* GetMem() const { return mem_; }
-  // The number of other holders of the block. Without a block there are none: 0.
+  /// The number of other holders of the block. Without a block there are none: 0.
   virtual int GetNumOfRef() const;
-  // 1 when the elements are shared with another holder or not owned at all.
+  /// 1 when the elements are shared with another holder or not owned at all.
   virtual int IsShared() const;
-  // 1 exactly when there is no block.
+  /// 1 exactly when there is no block.
   virtual int IsExternShared() const;
 
   virtual void* Pointer() const = 0;
   virtual int PositiveLength() const = 0;
   virtual int NegativeLength() const = 0;
   virtual int GetSizeOfType() const = 0;
-  // Gives the array a private copy of its elements.
+  /// Gives the array a private copy of its elements.
   virtual void Copy() = 0;
 
-  // Range checks, 1 when the array's extent lies within its memory, else 0.
-  // With a block, the origin must sit on an element boundary of the block and the range
-  // from NegativeLength below the origin to PositiveLength above it must lie inside the
-  // block. CheckPointer() passes an array without a block unchecked and skips the
-  // boundary test; CheckPointer(p, n) checks an array without a block against the n
-  // bytes at p (and ignores p and n when there is a block).
+  /// Range checks, 1 when the array's extent lies within its memory, else 0.
+  /// With a block, the origin must sit on an element boundary of the block and the range
+  /// from NegativeLength below the origin to PositiveLength above it must lie inside the
+  /// block. CheckPointer() passes an array without a block unchecked and skips the
+  /// boundary test; CheckPointer(p, n) checks an array without a block against the n
+  /// bytes at p (and ignores p and n when there is a block).
   virtual int CheckPointer() const;
   virtual int CheckPointer(const void* p, int n) const;
-  // The same, throwing BadParameters("CheckPointer : Invalid pointer or range.") for 0.
+  /// The same, throwing BadParameters("CheckPointer : Invalid pointer or range.") for 0.
   virtual void CheckPointerWithThrow() const;
   virtual void CheckPointerWithThrow(const void* p, int n) const;
 
-  // The extents in bytes: length times GetSizeOfType().
+  /// The extents in bytes: length times GetSizeOfType().
   virtual int BytePositiveLength() const;
   virtual int ByteNegativeLength() const;
 
-  // The flat form. Here they throw "Have not zrPArray::MemSize" (ToMem, FromMem
-  // likewise); the classes that serialise override all three.
+  /// The flat form. Here they throw "Have not zrPArray::MemSize" (ToMem, FromMem
+  /// likewise); the classes that serialise override all three.
   virtual int MemSize() const;
   virtual int ToMem(unsigned char* buffer) const;
   virtual int FromMem(const unsigned char* buffer);
@@ -96,7 +97,7 @@ class ZR_API zrPArray : public zrRefCount {
   void* mem_ = nullptr;  // user pointer of the block held (counted), or null when not owned
 };
 
-// The free entry points of the flat form, forwarding to the object.
+/// The free entry points of the flat form, forwarding to the object.
 inline int zrMemSize(const zrPArray& a) { return a.MemSize(); }
 inline int zrToMem(unsigned char* buffer, const zrPArray& a) { return a.ToMem(buffer); }
 inline int zrFromMem(const unsigned char* buffer, zrPArray& a) { return a.FromMem(buffer); }

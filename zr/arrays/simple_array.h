@@ -1,32 +1,33 @@
-// zrSimpleArray<T>: the contiguous one-dimensional array.
-//
-// A length and an origin over a reference-counted block that the array may share with
-// others, or over memory it does not own (then it holds no block). Indices run from 0 to
-// Len() - 1; the extent below the origin is always 0. There is no arithmetic here:
-// zrArray<T> adds it, with the flat form.
-//
-// Who shares and who copies:
-//   - the copy constructor, Copy(), ReSet() and every editing operation that changes the
-//     length leave the array with a private block of its own;
-//   - windows (SetSubWindow, Left, Right, Mid), Move and swap share or hand over the block
-//     and copy no element;
-//   - operator= with an array of equal length, Fill, InverseOrder, the cycle shifts and
-//     writes through operator[] work in place, so every sharer of the block sees them.
-// There is no copy-on-write beyond that: Remove detaches a shared array before it edits,
-// the others do not.
-//
-// Growth is exact: there is no spare capacity, and each length change makes a block of
-// exactly the new length (a sole owner of trivially copyable elements may have its block
-// resized where it lies instead of copied).
-//
-// Elements of class type are default-constructed with their block and destroyed with it;
-// they are copied with their own assignment. Elements of trivial types are left
-// uninitialised where the operation says so.
-//
-// The library instantiates the template for the types of ZR_SIMPLE_ARRAY_TYPES (the
-// arrays of library classes are added by those classes' own subsystems); a
-// program may instantiate it for a type of its own by including
-// zr/arrays/simple_array_impl.h.
+/// \file
+/// zrSimpleArray<T>: the contiguous one-dimensional array.
+///
+/// A length and an origin over a reference-counted block that the array may share with
+/// others, or over memory it does not own (then it holds no block). Indices run from 0 to
+/// Len() - 1; the extent below the origin is always 0. There is no arithmetic here:
+/// zrArray<T> adds it, with the flat form.
+///
+/// Who shares and who copies:
+///   - the copy constructor, Copy(), ReSet() and every editing operation that changes the
+///     length leave the array with a private block of its own;
+///   - windows (SetSubWindow, Left, Right, Mid), Move and swap share or hand over the block
+///     and copy no element;
+///   - operator= with an array of equal length, Fill, InverseOrder, the cycle shifts and
+///     writes through operator[] work in place, so every sharer of the block sees them.
+/// There is no copy-on-write beyond that: Remove detaches a shared array before it edits,
+/// the others do not.
+///
+/// Growth is exact: there is no spare capacity, and each length change makes a block of
+/// exactly the new length (a sole owner of trivially copyable elements may have its block
+/// resized where it lies instead of copied).
+///
+/// Elements of class type are default-constructed with their block and destroyed with it;
+/// they are copied with their own assignment. Elements of trivial types are left
+/// uninitialised where the operation says so.
+///
+/// The library instantiates the template for the types of ZR_SIMPLE_ARRAY_TYPES (the
+/// arrays of library classes are added by those classes' own subsystems); a
+/// program may instantiate it for a type of its own by including
+/// zr/arrays/simple_array_impl.h.
 #pragma once
 
 #include "zr/arrays/parray.h"
@@ -41,27 +42,27 @@ class ZR_API zrSimpleArray : public zrPArray {
   using iterator = T*;
   using const_iterator = const T*;
   using size_type = int;
-  // Orders two elements: -1, 0 or 1.
+  /// Orders two elements: -1, 0 or 1.
   using CompareFunction = int (*)(const T&, const T&);
 
-  // Empty: no block, origin null, length 0.
+  /// Empty: no block, origin null, length 0.
   zrSimpleArray() = default;
-  // n uninitialised elements in a new block. n < 1 throws "zrNewWithRef : n <= 0 "
-  // (an empty array is made by the default constructor).
+  /// n uninitialised elements in a new block. n < 1 throws "zrNewWithRef : n <= 0 "
+  /// (an empty array is made by the default constructor).
   explicit zrSimpleArray(int n);
   zrSimpleArray(int n, const T& value);
-  // A deep copy: a new block with the source's elements (empty for an empty source).
+  /// A deep copy: a new block with the source's elements (empty for an empty source).
   zrSimpleArray(const zrSimpleArray& other);
-  // Takes the source's block, origin and length over; the source is left empty.
+  /// Takes the source's block, origin and length over; the source is left empty.
   zrSimpleArray(zrSimpleArray&& other) noexcept;
-  // An empty source empties the array. A source of another length gives the array a new
-  // block of that length; one of equal length is copied into the current elements in
-  // place, even when they are shared or not owned: every sharer sees the new values.
-  // (A temporary is assigned the same way: there is no moving assignment.)
+  /// An empty source empties the array. A source of another length gives the array a new
+  /// block of that length; one of equal length is copied into the current elements in
+  /// place, even when they are shared or not owned: every sharer sees the new values.
+  /// (A temporary is assigned the same way: there is no moving assignment.)
   zrSimpleArray& operator=(const zrSimpleArray& other);
   ~zrSimpleArray() override;
 
-  // Takes over other's origin, length and block; other is left empty. No element moves.
+  /// Takes over other's origin, length and block; other is left empty. No element moves.
   void Move(zrSimpleArray& other);
   void swap(zrSimpleArray& other);
 
@@ -70,35 +71,35 @@ class ZR_API zrSimpleArray : public zrPArray {
   int size() const { return n_; }
   bool empty() const { return n_ == 0; }
 
-  // Releases the block; n != 0 makes a new one of n uninitialised elements (n < 0
-  // throws), n == 0 leaves the array empty.
+  /// Releases the block; n != 0 makes a new one of n uninitialised elements (n < 0
+  /// throws), n == 0 leaves the array empty.
   void Set(int n);
-  // Releases the block and makes a new one of n elements set to value (n < 1 throws).
+  /// Releases the block and makes a new one of n elements set to value (n < 1 throws).
   void Set(int n, const T& value);
-  // Set(n) unless the length is n already; then contents and sharing stay.
+  /// Set(n) unless the length is n already; then contents and sharing stay.
   void Init(int n);
-  // Changes the length keeping the leading elements; the new ones are uninitialised
-  // (default-constructed for class types). The array ends as sole owner of a block of
-  // exactly n elements; arrays that shared its old block keep it. Equal n does nothing,
-  // even for a shared array; n == 0 empties; n < 0 throws "zrNewWithRef : n <= 0 ".
+  /// Changes the length keeping the leading elements; the new ones are uninitialised
+  /// (default-constructed for class types). The array ends as sole owner of a block of
+  /// exactly n elements; arrays that shared its old block keep it. Equal n does nothing,
+  /// even for a shared array; n == 0 empties; n < 0 throws "zrNewWithRef : n <= 0 ".
   void ReSet(int n);
   void resize(int n) { ReSet(n); }
-  // Release the block: origin null, length 0.
+  /// Release the block: origin null, length 0.
   void Clear();
   void RemoveAll() { Clear(); }
   void clear() { Clear(); }
-  // Releases the block and views n elements at p without owning them.
+  /// Releases the block and views n elements at p without owning them.
   void SetDirectly(T* p, int n);
-  // Views n elements at p and holds holder's block (counted; none when holder has none),
-  // releasing its own: the view keeps that block alive and shares its elements. p must lie
-  // in holder's elements; nothing is checked.
+  /// Views n elements at p and holds holder's block (counted; none when holder has none),
+  /// releasing its own: the view keeps that block alive and shares its elements. p must lie
+  /// in holder's elements; nothing is checked.
   void SetDirectly(T* p, int n, const zrPArray& holder);
-  // Moves the origin only.
+  /// Moves the origin only.
   void SetPointer(T* p) { p_ = p; }
-  // A shared or externally viewed array takes a private copy of its elements.
+  /// A shared or externally viewed array takes a private copy of its elements.
   void Copy() override;
 
-  // Element access; no range checks.
+  /// Element access; no range checks.
   T& operator[](int i) { return p_[i]; }
   const T& operator[](int i) const { return p_[i]; }
   T* GetPointer() const { return p_; }
@@ -111,70 +112,70 @@ class ZR_API zrSimpleArray : public zrPArray {
   T& Last() const { return p_[n_ - 1]; }
   void Fill(const T& value);
 
-  // Windows: the result views part of the source and holds the source's block (none when
-  // the source has none); nothing is copied.
-  // SetSubWindow needs 0 <= start, 0 <= count, start + count <= source length, else
-  // "zrSimpleArray<T>::Set : out of range.".
+  /// Windows: the result views part of the source and holds the source's block (none when
+  /// the source has none); nothing is copied.
+  /// SetSubWindow needs 0 <= start, 0 <= count, start + count <= source length, else
+  /// "zrSimpleArray<T>::Set : out of range.".
   void SetSubWindow(const zrSimpleArray& source, int start, int count);
-  // The first n elements, 1 <= n <= length, else "zrSimpleArray<T>::Left: Out of Range".
+  /// The first n elements, 1 <= n <= length, else "zrSimpleArray<T>::Left: Out of Range".
   zrSimpleArray Left(int n) const;
-  // The last n elements, 1 <= n <= length, else "zrSimpleArray<T>::Right: Out of Range".
+  /// The last n elements, 1 <= n <= length, else "zrSimpleArray<T>::Right: Out of Range".
   zrSimpleArray Right(int n) const;
-  // count elements from start: start >= 0, count >= 1, start + count <= length, else
-  // "zrSimpleArray<T>::Mid: Out of Range".
+  /// count elements from start: start >= 0, count >= 1, start + count <= length, else
+  /// "zrSimpleArray<T>::Mid: Out of Range".
   zrSimpleArray Mid(int start, int count) const;
 
-  // Editing. Each length change reallocates exactly (see ReSet).
-  // Inserts value at pos (unchecked: 0 <= pos <= length) and returns pos.
+  /// Editing. Each length change reallocates exactly (see ReSet).
+  /// Inserts value at pos (unchecked: 0 <= pos <= length) and returns pos.
   int Insert(T value, int pos);
   void push_front(const T& value) { Insert(value, 0); }
   void pop_front() { Remove(0); }
-  // The iterator forms of Insert and Remove; they return the position of the inserted
-  // element, respectively of the one after the removed one, in the new storage.
+  /// The iterator forms of Insert and Remove; they return the position of the inserted
+  /// element, respectively of the one after the removed one, in the new storage.
   T* insert(T* where, const T& value);
   T* erase(T* where);
-  // Removes element i (0 <= i < length, else "Out of range"). A shared array detaches
-  // first, so its sharers keep their elements.
+  /// Removes element i (0 <= i < length, else "Out of range"). A shared array detaches
+  /// first, so its sharers keep their elements.
   void Remove(int i);
-  // Drops the last element; an empty array stays empty.
+  /// Drops the last element; an empty array stays empty.
   void RemoveLast();
   void pop_back() { RemoveLast(); }
-  // Appends value (which may be an element of this array).
+  /// Appends value (which may be an element of this array).
   void push_back(const T& value);
   void Concat(T value) { push_back(value); }
-  // Appends other's elements (other may be this array).
+  /// Appends other's elements (other may be this array).
   void Concat(const zrSimpleArray& other);
-  // Replaces count elements from start by other's elements; the length becomes
-  // length - count + other's length. Needs 0 <= start, 0 <= count and start + count <=
-  // length, else "zrSimpleArray<T>::Replace: Out of Range". With an unchanged length the
-  // elements are written in place (sharers see them).
+  /// Replaces count elements from start by other's elements; the length becomes
+  /// length - count + other's length. Needs 0 <= start, 0 <= count and start + count <=
+  /// length, else "zrSimpleArray<T>::Replace: Out of Range". With an unchanged length the
+  /// elements are written in place (sharers see them).
   void Replace(int start, int count, const zrSimpleArray& other);
-  // Rotations in place: r = k % length (the sign of k); r > 0 moves the first r elements
-  // to the end (left) or the last r to the front (right); r <= 0 does nothing. An empty
-  // array throws "Out of range".
+  /// Rotations in place: r = k % length (the sign of k); r > 0 moves the first r elements
+  /// to the end (left) or the last r to the front (right); r <= 0 does nothing. An empty
+  /// array throws "Out of range".
   void CycleLeftShift(int k);
   void CycleRightShift(int k);
-  // Reverses the elements in place.
+  /// Reverses the elements in place.
   void InverseOrder();
 
-  // Sorted contents. mode selects which result of cmp(element, value) means that the
-  // element lies after the value: 1 with mode != 0 (ascending order), -1 with mode == 0.
-  //
-  // Binary search for an element that compares 0 with value; -1 when there is none.
+  /// Sorted contents. mode selects which result of cmp(element, value) means that the
+  /// element lies after the value: 1 with mode != 0 (ascending order), -1 with mode == 0.
+  ///
+  /// Binary search for an element that compares 0 with value; -1 when there is none.
   int FindB(const T& value, CompareFunction cmp, int mode) const;
-  // Whether two sorted arrays have an element in common.
+  /// Whether two sorted arrays have an element in common.
   static bool IsIntersectB(const zrSimpleArray& a, const zrSimpleArray& b, CompareFunction cmp,
                            int mode);
-  // The array becomes the common elements of a and b; true when there is at least one.
-  // Kept as the library has always done it: when fewer elements match than the shorter
-  // input has, the array is made anew with the matched count, so only its length is
-  // meaningful (its elements are uninitialised); a full match keeps the elements.
+  /// The array becomes the common elements of a and b; true when there is at least one.
+  /// Kept as the library has always done it: when fewer elements match than the shorter
+  /// input has, the array is made anew with the matched count, so only its length is
+  /// meaningful (its elements are uninitialised); a full match keeps the elements.
   bool IntersectB(const zrSimpleArray& a, const zrSimpleArray& b, CompareFunction cmp, int mode);
-  // The array becomes the sorted merge of a and b. Elements comparing 0 are taken once
-  // from a, and once more from b when keepEqual is true. When one input runs out the
-  // rest of a, then the rest of b, is appended, and the array is trimmed to the merged
-  // count. Returns true when a and b had an element in common (as IsIntersectB).
-  // Two empty inputs give an empty array.
+  /// The array becomes the sorted merge of a and b. Elements comparing 0 are taken once
+  /// from a, and once more from b when keepEqual is true. When one input runs out the
+  /// rest of a, then the rest of b, is appended, and the array is trimmed to the merged
+  /// count. Returns true when a and b had an element in common (as IsIntersectB).
+  /// Two empty inputs give an empty array.
   bool Fusion(const zrSimpleArray& a, const zrSimpleArray& b, CompareFunction cmp, bool keepEqual,
               int mode);
 
@@ -202,7 +203,7 @@ class ZR_API zrSimpleArray : public zrPArray {
   int n_ = 0;       // number of elements
 };
 
-// The element types the library instantiates the array for.
+/// The element types the library instantiates the array for.
 #define ZR_SIMPLE_ARRAY_SCALAR_TYPES(X) \
   X(char)                               \
   X(unsigned char)                      \

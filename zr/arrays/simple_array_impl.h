@@ -1,6 +1,7 @@
-// The member definitions of zrSimpleArray<T>. The library includes this file once to
-// instantiate the array for its element types; include it yourself only to instantiate
-// the array for a type of your own.
+/// \file
+/// The member definitions of zrSimpleArray<T>. The library includes this file once to
+/// instantiate the array for its element types; include it yourself only to instantiate
+/// the array for a type of your own.
 #pragma once
 
 #include <algorithm>

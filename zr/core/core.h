@@ -1,6 +1,7 @@
-// Foundation: allocation and reference-counted blocks, the root classes of heap objects,
-// the exceptions, element-type traits, the flat byte form, integer logarithm and random
-// numbers.
+/// \file
+/// Foundation: allocation and reference-counted blocks, the root classes of heap objects,
+/// the exceptions, element-type traits, the flat byte form, integer logarithm and random
+/// numbers.
 #pragma once
 
 #include "zr/core/exceptions.h"

@@ -1,21 +1,22 @@
-// Symbol export for the zr shared library.
-//
-// The library is built with hidden visibility; what users may call carries ZR_API.
-//
-//   class ZR_API zrPArray { ... };         exported class (all its members)
-//   ZR_API void* zrMalloc(std::uint64_t);  exported free function
-//
-// Class templates are declared and defined apart: the header declares the template
-// with ZR_API and, for each element type the library offers, an explicit instantiation
-// declaration; the library's source defines the members and instantiates them once.
-//
-//   header:  template <class T> class ZR_API zrSimpleArray { ... };
-//            ZR_EXTERN_TEMPLATE(class, zrSimpleArray<double>);
-//   source:  template <class T> void zrSimpleArray<T>::New(int n) { ... }
-//            ZR_INSTANTIATE_TEMPLATE(class, zrSimpleArray<double>);
-//
-// Element-type lists are written once as X-macros (see ZR_FOR_EACH_SCALAR in
-// zr/core/traits.h) and drive both the instantiations and the tests.
+/// \file
+/// Symbol export for the zr shared library.
+///
+/// The library is built with hidden visibility; what users may call carries ZR_API.
+///
+///   class ZR_API zrPArray { ... };         exported class (all its members)
+///   ZR_API void* zrMalloc(std::uint64_t);  exported free function
+///
+/// Class templates are declared and defined apart: the header declares the template
+/// with ZR_API and, for each element type the library offers, an explicit instantiation
+/// declaration; the library's source defines the members and instantiates them once.
+///
+///   header:  template <class T> class ZR_API zrSimpleArray { ... };
+///            ZR_EXTERN_TEMPLATE(class, zrSimpleArray<double>);
+///   source:  template <class T> void zrSimpleArray<T>::New(int n) { ... }
+///            ZR_INSTANTIATE_TEMPLATE(class, zrSimpleArray<double>);
+///
+/// Element-type lists are written once as X-macros (see ZR_FOR_EACH_SCALAR in
+/// zr/core/traits.h) and drive both the instantiations and the tests.
 #pragma once
 
 #if defined(ZR_STATIC)

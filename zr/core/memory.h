@@ -1,21 +1,22 @@
-// Allocation and reference-counted element blocks.
-//
-// zrMalloc, zrRealloc and zrFree are the only way the library allocates. They never
-// return null: exhaustion throws zrErrNoMemory with the size that was asked for.
-//
-// A reference-counted block is one zrMalloc allocation holding an 8-byte header in
-// front of its elements. Users hold the address of element 0 (the "user pointer"):
-//
-//   user - 8   int32   holder count, 1 when the block is made
-//   user - 4   int32   minus the element count n (n >= 1); the negative sign marks a
-//                      block that zrNewWithRef made
-//   user + 0   n * sizeof(T) bytes of elements
-//
-// Sharing a block costs one increment of the holder count and no separate control
-// block. The counts are plain integers: no block may be used from two threads at once.
-//
-// Element 0 sits 8 bytes into a malloc'ed region, so it is 8-byte aligned; element types
-// that need more alignment are refused at compile time.
+/// \file
+/// Allocation and reference-counted element blocks.
+///
+/// zrMalloc, zrRealloc and zrFree are the only way the library allocates. They never
+/// return null: exhaustion throws zrErrNoMemory with the size that was asked for.
+///
+/// A reference-counted block is one zrMalloc allocation holding an 8-byte header in
+/// front of its elements. Users hold the address of element 0 (the "user pointer"):
+///
+///   user - 8   int32   holder count, 1 when the block is made
+///   user - 4   int32   minus the element count n (n >= 1); the negative sign marks a
+///                      block that zrNewWithRef made
+///   user + 0   n * sizeof(T) bytes of elements
+///
+/// Sharing a block costs one increment of the holder count and no separate control
+/// block. The counts are plain integers: no block may be used from two threads at once.
+///
+/// Element 0 sits 8 bytes into a malloc'ed region, so it is 8-byte aligned; element types
+/// that need more alignment are refused at compile time.
 #pragma once
 
 #include <cstddef>
@@ -27,13 +28,13 @@
 #include "zr/core/exceptions.h"
 #include "zr/core/export.h"
 
-// malloc(size); throws zrErrNoMemory(size) when it gives null. A size of 0 is passed on
-// unchecked (the C library decides what it returns).
+/// malloc(size); throws zrErrNoMemory(size) when it gives null. A size of 0 is passed on
+/// unchecked (the C library decides what it returns).
 ZR_API void* zrMalloc(std::uint64_t size);
-// realloc(p, size); throws zrErrNoMemory(size) when it gives null, and the old block
-// then stays valid and the caller's.
+/// realloc(p, size); throws zrErrNoMemory(size) when it gives null, and the old block
+/// then stays valid and the caller's.
 ZR_API void* zrRealloc(void* p, std::uint64_t size);
-// free(p); a null pointer is ignored.
+/// free(p); a null pointer is ignored.
 ZR_API void zrFree(void* p);
 
 namespace zr::detail {
@@ -65,11 +66,11 @@ ZR_API void FreeBlock(const void* user) noexcept;
 
 }  // namespace zr::detail
 
-// Makes a block of n elements, stores its user pointer in p and returns it. Elements of
-// trivial types are left uninitialised; others are default-constructed, and if one of
-// those constructors throws, the ones already made are destroyed and the block is freed
-// before the exception goes on. n < 1 throws BadParameters("zrNewWithRef : n <= 0 ")
-// and allocates nothing.
+/// Makes a block of n elements, stores its user pointer in p and returns it. Elements of
+/// trivial types are left uninitialised; others are default-constructed, and if one of
+/// those constructors throws, the ones already made are destroyed and the block is freed
+/// before the exception goes on. n < 1 throws BadParameters("zrNewWithRef : n <= 0 ")
+/// and allocates nothing.
 template <class T>
 T* zrNewWithRef(T*& p, int n) {
   static_assert(alignof(T) <= zr::detail::kBlockHeader, "block elements are 8-byte aligned");
@@ -89,23 +90,23 @@ T* zrNewWithRef(T*& p, int n) {
   return first;
 }
 
-// Adds a holder. Memory without the negative mark throws
-// BadParameters("zrIncMemRef : memory must be allocated with zrNewWithRef.").
+/// Adds a holder. Memory without the negative mark throws
+/// BadParameters("zrIncMemRef : memory must be allocated with zrNewWithRef.").
 ZR_API void zrIncMemRef(const void* p);
 
-// Removes a holder that is known not to be the last one; never frees. Memory without the
-// mark throws "zrDecMemRef : memory must be allocated with zrNewWithRef."; a count that
-// falls below 1 throws "zrDecMemRef : Number of reference <= 0." and stays lowered.
+/// Removes a holder that is known not to be the last one; never frees. Memory without the
+/// mark throws "zrDecMemRef : memory must be allocated with zrNewWithRef."; a count that
+/// falls below 1 throws "zrDecMemRef : Number of reference <= 0." and stays lowered.
 ZR_API void zrDecMemRef(const void* p);
 
-// The holder count, writable. Memory without the mark throws the same text as
-// zrIncMemRef, which it names (the text is shared on purpose).
+/// The holder count, writable. Memory without the mark throws the same text as
+/// zrIncMemRef, which it names (the text is shared on purpose).
 ZR_API std::int32_t& zrGetMemRef(const void* p);
 
-// Gives up one holder of a block and frees it when none is left; elements of class type
-// are destroyed first (all |mark| of them). A null pointer is ignored. Memory without the
-// negative mark is treated as a plain block with a 4-byte prefix and freed at once.
-// Never throws.
+/// Gives up one holder of a block and frees it when none is left; elements of class type
+/// are destroyed first (all |mark| of them). A null pointer is ignored. Memory without the
+/// negative mark is treated as a plain block with a 4-byte prefix and freed at once.
+/// Never throws.
 template <class T>
 void zrDeleteWithRef(T* p) noexcept {
   if (!p) return;

@@ -1,19 +1,20 @@
-// The flat byte form.
-//
-// Any serialisable value or object is written to, and read back from, a buffer the
-// caller provides: zrMemSize gives the byte count, zrToMem writes and zrFromMem reads,
-// each returning the bytes it handled, so that several values can be written back to
-// back by advancing the buffer by each result. Objects with the virtual MemSize, ToMem
-// and FromMem (the arrays, zr/arrays/parray.h) get free functions that forward to them,
-// so the free functions are the one entry point for every kind of type.
-//
-// The form is the machine's native one: little-endian integers, IEEE-754 binary32 and
-// binary64, fields in declaration order, no padding, no alignment, no tag, no version and
-// no checksum. The reader must know what it reads, and the buffer must hold at least
-// MemSize bytes: nothing is checked.
-//
-// This header gives the scalar types their form (their raw bytes); fixed-size value
-// types build on zr::detail::RawMemSize and friends in the same way.
+/// \file
+/// The flat byte form.
+///
+/// Any serialisable value or object is written to, and read back from, a buffer the
+/// caller provides: zrMemSize gives the byte count, zrToMem writes and zrFromMem reads,
+/// each returning the bytes it handled, so that several values can be written back to
+/// back by advancing the buffer by each result. Objects with the virtual MemSize, ToMem
+/// and FromMem (the arrays, zr/arrays/parray.h) get free functions that forward to them,
+/// so the free functions are the one entry point for every kind of type.
+///
+/// The form is the machine's native one: little-endian integers, IEEE-754 binary32 and
+/// binary64, fields in declaration order, no padding, no alignment, no tag, no version and
+/// no checksum. The reader must know what it reads, and the buffer must hold at least
+/// MemSize bytes: nothing is checked.
+///
+/// This header gives the scalar types their form (their raw bytes); fixed-size value
+/// types build on zr::detail::RawMemSize and friends in the same way.
 #pragma once
 
 #include <cstring>

@@ -1,31 +1,32 @@
-// Element-type traits.
-//
-// zrType<T> names and classifies the element types the library instantiates its
-// templates for. The type codes are part of the interface and fixed: 8, 9 and 10 are
-// reserved between the 64-bit integer and the floating types.
-//
-//   T                GetValueTypeName  GetTypeCode  IsSigned  GetUHightBit
-//   unsigned char    "UInt8"            1           false     0x80
-//   char             "Int8"             2           true      0x40
-//   unsigned short   "UInt16"           3           false     0x8000
-//   short            "Int16"            4           true      0x4000
-//   unsigned int     "UInt32"           5           false     0x80000000
-//   int              "Int32"            6           true      0x40000000
-//   64-bit integer   "Int64"            7           true      0x4000000000000000
-//   float            "Real32"          11           true      -
-//   double           "Real64"          12           true      -
-//   zrComplex        "Complex"          -           -         -
-//
-// GetUHightBit, which only the integer types have, is the highest bit that carries
-// magnitude: the top bit of an unsigned type, the bit below the sign of a signed one.
-// char is "Int8" and signed whatever the platform's char is.
+/// \file
+/// Element-type traits.
+///
+/// zrType<T> names and classifies the element types the library instantiates its
+/// templates for. The type codes are part of the interface and fixed: 8, 9 and 10 are
+/// reserved between the 64-bit integer and the floating types.
+///
+///   T                GetValueTypeName  GetTypeCode  IsSigned  GetUHightBit
+///   unsigned char    "UInt8"            1           false     0x80
+///   char             "Int8"             2           true      0x40
+///   unsigned short   "UInt16"           3           false     0x8000
+///   short            "Int16"            4           true      0x4000
+///   unsigned int     "UInt32"           5           false     0x80000000
+///   int              "Int32"            6           true      0x40000000
+///   64-bit integer   "Int64"            7           true      0x4000000000000000
+///   float            "Real32"          11           true      -
+///   double           "Real64"          12           true      -
+///   zrComplex        "Complex"          -           -         -
+///
+/// GetUHightBit, which only the integer types have, is the highest bit that carries
+/// magnitude: the top bit of an unsigned type, the bit below the sign of a signed one.
+/// char is "Int8" and signed whatever the platform's char is.
 #pragma once
 
 #include <climits>
 #include <cstdint>
 
-// The scalar element types, written once: X(type) for each. Drives the flat forms of
-// zr/core/serialize.h and the tests.
+/// The scalar element types, written once: X(type) for each. Drives the flat forms of
+/// zr/core/serialize.h and the tests.
 #define ZR_FOR_EACH_INTEGER(X) \
   X(unsigned char)             \
   X(char)                      \
@@ -81,13 +82,13 @@ ZR_DETAIL_TYPE_TRAITS(unsigned int, "UInt32", zr::detail::IntegerType<unsigned i
 ZR_DETAIL_TYPE_TRAITS(int, "Int32", zr::detail::IntegerType<int, 6, true>)
 ZR_DETAIL_TYPE_TRAITS(long long, "Int64", zr::detail::IntegerType<long long, 7, true>)
 #if LONG_MAX == LLONG_MAX
-// Where long is 64 bits wide (std::int64_t is long on LP64 systems) it is "Int64" too.
+/// Where long is 64 bits wide (std::int64_t is long on LP64 systems) it is "Int64" too.
 ZR_DETAIL_TYPE_TRAITS(long, "Int64", zr::detail::IntegerType<long, 7, true>)
 #endif
 ZR_DETAIL_TYPE_TRAITS(float, "Real32", zr::detail::FloatingType<float, 11>)
 ZR_DETAIL_TYPE_TRAITS(double, "Real64", zr::detail::FloatingType<double, 12>)
 
-// The complex number has its name only.
+/// The complex number has its name only.
 template <>
 class zrType<zrComplex> {
  public:

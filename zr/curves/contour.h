@@ -1,26 +1,27 @@
-// zrSimpleContour2D: the closed plane polygon.
-//
-// A zrCurve2D whose last point joins the first: every index into the points is taken
-// modulo the point count n, so the edge from point n - 1 back to point 0 is always part of
-// the contour. It adds no data (the flat form and the sharing rules are those of
-// zrArray<zrVec2>; the type name is "zrSimpleContour2D") and brings the closed-curve
-// measurements, a parameterisation by t in [0, 1], the self-intersection and point tests,
-// the alignment of one contour against another, and clipping by a straight line and by a
-// rectangle.
-//
-// Who shares and who copies: the copy constructor copies the points; assignment from a
-// contour of equal length writes in place (every sharer sees it), hence the contour's own
-// swap, with which arrays of contours move their elements. SetOrient, MakeCoherent and
-// MakeCoherentS reorder the points in place, so sharers see the new order too. The
-// clipping operations return new contours with blocks of their own.
-//
-// Orientation code: 0 when the signed area is strictly positive (counter-clockwise with
-// the y axis up), 1 otherwise, a contour of zero area included.
-//
-// Errors (BadParameters): "zrSimpleContour2D::MakeCoherent: both length Must be equal."
-// when the aligned contours differ in length, "Contour2D must have larger two of point."
-// for a cut of fewer than 3 points (also inside zrPolyLineToRange, when a cut leaves
-// fewer than 3), "Dimension must equal 2 in GetLine." for a range without 2 elements.
+/// \file
+/// zrSimpleContour2D: the closed plane polygon.
+///
+/// A zrCurve2D whose last point joins the first: every index into the points is taken
+/// modulo the point count n, so the edge from point n - 1 back to point 0 is always part of
+/// the contour. It adds no data (the flat form and the sharing rules are those of
+/// zrArray<zrVec2>; the type name is "zrSimpleContour2D") and brings the closed-curve
+/// measurements, a parameterisation by t in [0, 1], the self-intersection and point tests,
+/// the alignment of one contour against another, and clipping by a straight line and by a
+/// rectangle.
+///
+/// Who shares and who copies: the copy constructor copies the points; assignment from a
+/// contour of equal length writes in place (every sharer sees it), hence the contour's own
+/// swap, with which arrays of contours move their elements. SetOrient, MakeCoherent and
+/// MakeCoherentS reorder the points in place, so sharers see the new order too. The
+/// clipping operations return new contours with blocks of their own.
+///
+/// Orientation code: 0 when the signed area is strictly positive (counter-clockwise with
+/// the y axis up), 1 otherwise, a contour of zero area included.
+///
+/// Errors (BadParameters): "zrSimpleContour2D::MakeCoherent: both length Must be equal."
+/// when the aligned contours differ in length, "Contour2D must have larger two of point."
+/// for a cut of fewer than 3 points (also inside zrPolyLineToRange, when a cut leaves
+/// fewer than 3), "Dimension must equal 2 in GetLine." for a range without 2 elements.
 #pragma once
 
 #include <utility>
@@ -39,96 +40,96 @@ struct ContourProbe;
 class ZR_API zrSimpleContour2D : public zrCurve2D {
   ZR_TYPE_IDENTITY
  public:
-  // Empty: no block, length 0.
+  /// Empty: no block, length 0.
   zrSimpleContour2D() = default;
-  // n uninitialised points in a new block; n < 1 throws "zrNewWithRef : n <= 0 ".
+  /// n uninitialised points in a new block; n < 1 throws "zrNewWithRef : n <= 0 ".
   explicit zrSimpleContour2D(int n) : zrCurve2D(n) {}
-  // A deep copy of the points of an array.
+  /// A deep copy of the points of an array.
   explicit zrSimpleContour2D(const zrArray<zrVec2>& points) : zrCurve2D(points) {}
-  // A deep copy: a new block with the source's points.
+  /// A deep copy: a new block with the source's points.
   zrSimpleContour2D(const zrSimpleContour2D& other) : zrCurve2D(other) {}
-  // Takes the source's block over; the source is left empty.
+  /// Takes the source's block over; the source is left empty.
   zrSimpleContour2D(zrSimpleContour2D&& other) noexcept : zrCurve2D(std::move(other)) {}
-  // The array's assignment: equal length writes in place (sharers see it).
+  /// The array's assignment: equal length writes in place (sharers see it).
   zrSimpleContour2D& operator=(const zrSimpleContour2D& other) {
     zrCurve2D::operator=(other);
     return *this;
   }
   ~zrSimpleContour2D() override;
 
-  // Exchanges the two contours' blocks, origins and lengths; no point is copied.
+  /// Exchanges the two contours' blocks, origins and lengths; no point is copied.
   void swap(zrSimpleContour2D& other) { zrSimpleArray<zrVec2>::swap(other); }
 
-  // The perimeter: the distances from point i to point (i + 1) mod n summed for i = 0 ...
-  // n - 1 in that order. 0 for an empty contour and for one point.
+  /// The perimeter: the distances from point i to point (i + 1) mod n summed for i = 0 ...
+  /// n - 1 in that order. 0 for an empty contour and for one point.
   double GetLengthOfCurve() const;
-  // The area, |signed area|; the signed area is one half of the sum over i of
-  // x_i * y_(i+1) - y_i * x_(i+1), positive counter-clockwise.
+  /// The area, |signed area|; the signed area is one half of the sum over i of
+  /// x_i * y_(i+1) - y_i * x_(i+1), positive counter-clockwise.
   double GetS() const;
-  // 0 when the signed area is > 0, else 1.
+  /// 0 when the signed area is > 0, else 1.
   int GetOrient() const;
-  // Reverses the points in place when GetOrient() differs from o.
+  /// Reverses the points in place when GetOrient() differs from o.
   void SetOrient(int o);
 
-  // The point at parameter t: s = t * n, k = floor(s), f = s - k, i = k mod n, and the
-  // result (1 - f) * point i + f * point (i + 1) mod n. Each edge takes an equal share 1/n
-  // of the parameter range whatever its length, and t = 0 and t = 1 both give point 0.
-  // Outside [0, 1] the parameter wraps with period 1 (floor keeps negative t on the edge
-  // it falls in, so t = -0.125 is the point at t = 0.875). An empty contour, or a t for
-  // which t * n is not finite, gives (NaN, NaN).
+  /// The point at parameter t: s = t * n, k = floor(s), f = s - k, i = k mod n, and the
+  /// result (1 - f) * point i + f * point (i + 1) mod n. Each edge takes an equal share 1/n
+  /// of the parameter range whatever its length, and t = 0 and t = 1 both give point 0.
+  /// Outside [0, 1] the parameter wraps with period 1 (floor keeps negative t on the edge
+  /// it falls in, so t = -0.125 is the point at t = 0.875). An empty contour, or a t for
+  /// which t * n is not finite, gives (NaN, NaN).
   zrVec2 operator()(double t) const;
 
-  // 1 when two edges cross, else 0. Every edge (point i, point i + 1), i = 0 ... n - 2, is
-  // tested against every later edge (point j - 1, point j mod n), j = i + 2 ... n, with the
-  // four cross products c1 = cross(B - A, D - A), c2 = cross(B - A, C - A), c3 =
-  // cross(D - C, B - C), c4 = cross(D - C, A - C): the pair crosses when c1 and c3 are
-  // nonzero and c2 and c4 differ in sign from them. A zero c2 or c4 (C on the line AB, or
-  // A on the line CD) counts as a different sign, so a vertex that merely touches another
-  // edge is reported through the edge that starts at it; neighbouring edges never count,
-  // as one of their products is zero where the test needs it nonzero. Empty: 0.
+  /// 1 when two edges cross, else 0. Every edge (point i, point i + 1), i = 0 ... n - 2, is
+  /// tested against every later edge (point j - 1, point j mod n), j = i + 2 ... n, with the
+  /// four cross products c1 = cross(B - A, D - A), c2 = cross(B - A, C - A), c3 =
+  /// cross(D - C, B - C), c4 = cross(D - C, A - C): the pair crosses when c1 and c3 are
+  /// nonzero and c2 and c4 differ in sign from them. A zero c2 or c4 (C on the line AB, or
+  /// A on the line CD) counts as a different sign, so a vertex that merely touches another
+  /// edge is reported through the edge that starts at it; neighbouring edges never count,
+  /// as one of their products is zero where the test needs it nonzero. Empty: 0.
   int IsIntersect() const;
-  // 1 when p lies inside, -1 outside (and for an empty contour), 0 on the contour, by the
-  // crossings of the horizontal ray from p toward +x, edge by edge:
-  //   - a horizontal edge at p's height with p.x between its ends (ends included) answers
-  //     0; other horizontal edges are skipped;
-  //   - a vertex equal to p answers 0;
-  //   - an edge crosses the ray's level when its lower end is at or below p.y and its
-  //     upper end strictly above; the crossing abscissa is the lower end's x when that end
-  //     lies at p.y, else A.x + (B.x - A.x) * (p.y - A.y) / (B.y - A.y); an abscissa
-  //     equal to p.x answers 0, a greater one counts;
-  //   - an odd count is inside.
+  /// 1 when p lies inside, -1 outside (and for an empty contour), 0 on the contour, by the
+  /// crossings of the horizontal ray from p toward +x, edge by edge:
+  ///   - a horizontal edge at p's height with p.x between its ends (ends included) answers
+  ///     0; other horizontal edges are skipped;
+  ///   - a vertex equal to p answers 0;
+  ///   - an edge crosses the ray's level when its lower end is at or below p.y and its
+  ///     upper end strictly above; the crossing abscissa is the lower end's x when that end
+  ///     lies at p.y, else A.x + (B.x - A.x) * (p.y - A.y) / (B.y - A.y); an abscissa
+  ///     equal to p.x answers 0, a greater one counts;
+  ///   - an odd count is inside.
   int IsInsidePoint(const zrVec2& p) const;
 
-  // Aligns this contour with other (equal lengths, else the error above): takes other's
-  // orientation, then rotates the points so that the nearest point k of the point j of
-  // other whose nearest distance is largest (GetIndexOfMaxDistance(k, other)) lands on
-  // index j. Two empty contours are left as they are.
+  /// Aligns this contour with other (equal lengths, else the error above): takes other's
+  /// orientation, then rotates the points so that the nearest point k of the point j of
+  /// other whose nearest distance is largest (GetIndexOfMaxDistance(k, other)) lands on
+  /// index j. Two empty contours are left as they are.
   void MakeCoherent(const zrSimpleContour2D& other);
-  // Aligns this contour with other (equal lengths): takes other's orientation, then of the
-  // n rotations r (r points moved from the front to the back) keeps the one whose band
-  // measure against other (see GetTriS) is smallest, the earliest on ties; a measure
-  // replaces the best also while the best is exactly 0. The rotations are measured on a
-  // private copy, so the points of this contour are rotated once, at the end. Two empty
-  // contours are left as they are.
+  /// Aligns this contour with other (equal lengths): takes other's orientation, then of the
+  /// n rotations r (r points moved from the front to the back) keeps the one whose band
+  /// measure against other (see GetTriS) is smallest, the earliest on ties; a measure
+  /// replaces the best also while the best is exactly 0. The rotations are measured on a
+  /// private copy, so the points of this contour are rotated once, at the end. Two empty
+  /// contours are left as they are.
   void MakeCoherentS(const zrSimpleContour2D& other);
 
-  // The part of the contour on the non-negative side of line (line.GetDist(point) >= 0,
-  // the right of the line's direction), as a new contour; n >= 3 is required. Walking the
-  // points in order, each edge (point i - 1, point i), and last the closing edge (point n -
-  // 1, point 0), is tested for a crossing when its end distances dp, d satisfy dp * d < 0,
-  // or dp > 0 and d == 0, or dp == 0, d > 0 and the point before the edge's start lies
-  // strictly on the negative side. The crossing is the intersection of line with the line
-  // through the edge's ends (none for lines parallel within 1e-10), kept when it lies on
-  // the edge, ends included; a kept crossing is appended, then point i when d >= 0; the
-  // closing edge's crossing comes last. A vertex on the line reached from the positive
-  // side, or left toward it after arriving from the negative side, is therefore emitted
-  // twice, as itself and as the crossing. The result may have fewer than 3 points, or none.
+  /// The part of the contour on the non-negative side of line (line.GetDist(point) >= 0,
+  /// the right of the line's direction), as a new contour; n >= 3 is required. Walking the
+  /// points in order, each edge (point i - 1, point i), and last the closing edge (point n -
+  /// 1, point 0), is tested for a crossing when its end distances dp, d satisfy dp * d < 0,
+  /// or dp > 0 and d == 0, or dp == 0, d > 0 and the point before the edge's start lies
+  /// strictly on the negative side. The crossing is the intersection of line with the line
+  /// through the edge's ends (none for lines parallel within 1e-10), kept when it lies on
+  /// the edge, ends included; a kept crossing is appended, then point i when d >= 0; the
+  /// closing edge's crossing comes last. A vertex on the line reached from the positive
+  /// side, or left toward it after arriving from the negative side, is therefore emitted
+  /// twice, as itself and as the crossing. The result may have fewer than 3 points, or none.
   zrSimpleContour2D CutByStraightLine(const zrGeom::StraightLine2D& line) const;
-  // Clips to the rectangle [0, W - 1] x [0, H - 1], range holding W then H (exactly 2
-  // elements), by four cuts, each of the previous result: y >= 0 (line (W - 1, 0) -> (0,
-  // 0)), y <= H - 1 (line (0, H - 1) -> (W - 1, H - 1)), x >= 0 (line (0, 0) -> (0, H -
-  // 1)) and x <= W - 1 (line (W - 1, H - 1) -> (W - 1, 0)). Every cut needs at least 3
-  // points, so a contour that leaves the rectangle with fewer throws.
+  /// Clips to the rectangle [0, W - 1] x [0, H - 1], range holding W then H (exactly 2
+  /// elements), by four cuts, each of the previous result: y >= 0 (line (W - 1, 0) -> (0,
+  /// 0)), y <= H - 1 (line (0, H - 1) -> (W - 1, H - 1)), x >= 0 (line (0, 0) -> (0, H -
+  /// 1)) and x <= W - 1 (line (W - 1, H - 1) -> (W - 1, 0)). Every cut needs at least 3
+  /// points, so a contour that leaves the rectangle with fewer throws.
   zrSimpleContour2D zrPolyLineToRange(const zrArray<int>& range) const;
 
  private:
@@ -163,6 +164,6 @@ class ZR_API zrSimpleContour2D : public zrCurve2D {
   double GetPartTriS(const zrSimpleContour2D& other, const zrVec2& x, int k) const;
 };
 
-// Arrays of contours move their elements with zrSimpleContour2D::swap, so that a shared
-// contour's points are never overwritten by a rearrangement of the array.
+/// Arrays of contours move their elements with zrSimpleContour2D::swap, so that a shared
+/// contour's points are never overwritten by a rearrangement of the array.
 ZR_EXTERN_TEMPLATE(class, zrSimpleArray<zrSimpleContour2D>);

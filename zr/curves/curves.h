@@ -1,5 +1,6 @@
-// Curves: the plane polyline and spline curve, the closed plane contour, and the
-// Beta-spline curves, contours and tubes.
+/// \file
+/// Curves: the plane polyline and spline curve, the closed plane contour, and the
+/// Beta-spline curves, contours and tubes.
 #pragma once
 
 #include "zr/curves/beta.h"

@@ -1,5 +1,6 @@
-// Geometry: the zrGeom lines, rays, segments and planes with their intersections, the
-// plane and space coordinate transforms, and the axis-parallel rectangle.
+/// \file
+/// Geometry: the zrGeom lines, rays, segments and planes with their intersections, the
+/// plane and space coordinate transforms, and the axis-parallel rectangle.
 #pragma once
 
 #include "zr/geometry/primitives.h"

@@ -1,33 +1,34 @@
-// Intrusive list links, value nodes and a FIFO queue.
-//
-// An object goes into a list by having a link class as a base: the list head and every
-// element are links of the same class, and an object is in a list when its link pointers
-// point at other objects. Links never allocate.
-//
-//   zrList1kHead      next              singly linked ring; alone: next = itself
-//   zrList2Head       next, prev        doubly linked line, null at both ends; alone: both null
-//   zrList2kHead      next, prev        doubly linked ring; alone: both = itself
-//   zrInternalList2k  zrList2kHead plus a payload pointer
-//
-// In the "k" rings the head is one of the members; in the zrList2Head line the head is
-// simply one element with neighbours on either side.
-//
-// Every link class has zrUsingNew as a virtual base. A class may derive from several of
-// them (and from zrRefCount) and still has one zrUsingNew part: one count, one heap
-// identity. Such a class has to declare an identity of its own (ZR_TYPE_IDENTITY), since
-// each of its bases brings one.
-//
-// Ownership: a link that is destroyed while others are linked to it takes them out one
-// by one and deletes each whose IsAllowDelete says yes (an uncounted object always, a
-// counted one only when it has no holders; the count is not touched). An element that must
-// survive is removed first or held. Elements still linked when their head dies must
-// therefore be heap objects made with `new`, or refuse deletion.
-//
-// Copying and assignment never link or unlink anything: a copy starts alone, and
-// operator= makes the target alone without telling its former neighbours, so a linked
-// link is Removed before it is assigned. Likewise the link operations trust their
-// arguments: inserting a link that is still in another ring (zrList1kHead::Add) corrupts
-// that ring. None of this is checked.
+/// \file
+/// Intrusive list links, value nodes and a FIFO queue.
+///
+/// An object goes into a list by having a link class as a base: the list head and every
+/// element are links of the same class, and an object is in a list when its link pointers
+/// point at other objects. Links never allocate.
+///
+///   zrList1kHead      next              singly linked ring; alone: next = itself
+///   zrList2Head       next, prev        doubly linked line, null at both ends; alone: both null
+///   zrList2kHead      next, prev        doubly linked ring; alone: both = itself
+///   zrInternalList2k  zrList2kHead plus a payload pointer
+///
+/// In the "k" rings the head is one of the members; in the zrList2Head line the head is
+/// simply one element with neighbours on either side.
+///
+/// Every link class has zrUsingNew as a virtual base. A class may derive from several of
+/// them (and from zrRefCount) and still has one zrUsingNew part: one count, one heap
+/// identity. Such a class has to declare an identity of its own (ZR_TYPE_IDENTITY), since
+/// each of its bases brings one.
+///
+/// Ownership: a link that is destroyed while others are linked to it takes them out one
+/// by one and deletes each whose IsAllowDelete says yes (an uncounted object always, a
+/// counted one only when it has no holders; the count is not touched). An element that must
+/// survive is removed first or held. Elements still linked when their head dies must
+/// therefore be heap objects made with `new`, or refuse deletion.
+///
+/// Copying and assignment never link or unlink anything: a copy starts alone, and
+/// operator= makes the target alone without telling its former neighbours, so a linked
+/// link is Removed before it is assigned. Likewise the link operations trust their
+/// arguments: inserting a link that is still in another ring (zrList1kHead::Add) corrupts
+/// that ring. None of this is checked.
 #pragma once
 
 #include <cstdint>
@@ -41,25 +42,25 @@
 class ZR_API zrList1kHead : public virtual zrUsingNew {
   ZR_TYPE_IDENTITY
  public:
-  // Alone.
+  /// Alone.
   zrList1kHead() : next_(this) {}
-  // Alone as well: the copy is not in the source's ring.
+  /// Alone as well: the copy is not in the source's ring.
   zrList1kHead(const zrList1kHead& other) : zrUsingNew(other), next_(this) {}
-  // Makes this link alone without unlinking it from the ring it was in.
+  /// Makes this link alone without unlinking it from the ring it was in.
   zrList1kHead& operator=(const zrList1kHead& other);
-  // Takes out and deletes (when they allow it) the links that follow this one.
+  /// Takes out and deletes (when they allow it) the links that follow this one.
   ~zrList1kHead() override;
 
-  // Two links are equal when they have the same successor.
+  /// Two links are equal when they have the same successor.
   int operator==(const zrList1kHead& other) const { return next_ == other.next_ ? 1 : 0; }
   int operator!=(const zrList1kHead& other) const { return next_ != other.next_ ? 1 : 0; }
 
-  // Inserts x right after this link and returns it. x must be alone.
+  /// Inserts x right after this link and returns it. x must be alone.
   zrList1kHead* Add(zrList1kHead* x);
-  // Takes out the link after this one and returns it, alone. On an alone link it returns
-  // the link itself, unchanged.
+  /// Takes out the link after this one and returns it, alone. On an alone link it returns
+  /// the link itself, unchanged.
   zrList1kHead* Remove();
-  // The number of links in the ring, this one included (1 when alone). Walks the ring.
+  /// The number of links in the ring, this one included (1 when alone). Walks the ring.
   int Len() const;
 
   zrList1kHead* GetNext() const { return next_; }
@@ -75,24 +76,24 @@ class ZR_API zrList1kHead : public virtual zrUsingNew {
 class ZR_API zrList2Head : public virtual zrUsingNew {
   ZR_TYPE_IDENTITY
  public:
-  // Alone: both links null.
+  /// Alone: both links null.
   zrList2Head() = default;
   zrList2Head(const zrList2Head& other) : zrUsingNew(other) {}
-  // Sets both links to null without unlinking.
+  /// Sets both links to null without unlinking.
   zrList2Head& operator=(const zrList2Head& other);
-  // Takes out and deletes (when they allow it) every link after this one, then every
-  // link before it: the whole line goes with the link.
+  /// Takes out and deletes (when they allow it) every link after this one, then every
+  /// link before it: the whole line goes with the link.
   ~zrList2Head() override;
 
-  // Equal when both neighbours are the same.
+  /// Equal when both neighbours are the same.
   int operator==(const zrList2Head& other) const {
     return next_ == other.next_ && prev_ == other.prev_ ? 1 : 0;
   }
   int operator!=(const zrList2Head& other) const { return *this == other ? 0 : 1; }
 
-  // Joins the two neighbours (where they exist) and leaves this link alone; returns this.
+  /// Joins the two neighbours (where they exist) and leaves this link alone; returns this.
   zrList2Head* Remove();
-  // Takes x out of wherever it is and puts it right after (before) this link; returns x.
+  /// Takes x out of wherever it is and puts it right after (before) this link; returns x.
   zrList2Head* AddAfter(zrList2Head* x);
   zrList2Head* AddBefore(zrList2Head* x);
 
@@ -111,20 +112,20 @@ class ZR_API zrList2Head : public virtual zrUsingNew {
 class ZR_API zrList2kHead : public virtual zrUsingNew {
   ZR_TYPE_IDENTITY
  public:
-  // Alone: both links to itself.
+  /// Alone: both links to itself.
   zrList2kHead() : next_(this), prev_(this) {}
   zrList2kHead(const zrList2kHead& other) : zrUsingNew(other), next_(this), prev_(this) {}
-  // Both links to itself, without unlinking.
+  /// Both links to itself, without unlinking.
   zrList2kHead& operator=(const zrList2kHead& other);
-  // Takes out and deletes (when they allow it) the other links of the ring.
+  /// Takes out and deletes (when they allow it) the other links of the ring.
   ~zrList2kHead() override;
 
-  // Joins the neighbours and leaves this link alone; returns this.
+  /// Joins the neighbours and leaves this link alone; returns this.
   zrList2kHead* Remove();
-  // Takes x out of its ring and puts it right after (before) this link; returns x.
+  /// Takes x out of its ring and puts it right after (before) this link; returns x.
   zrList2kHead* AddAfter(zrList2kHead* x);
   zrList2kHead* AddBefore(zrList2kHead* x);
-  // The number of links in the ring, this one included (1 when alone). Walks the ring.
+  /// The number of links in the ring, this one included (1 when alone). Walks the ring.
   int Len() const;
 
   zrList2kHead* GetNext() const { return next_; }
@@ -136,18 +137,18 @@ class ZR_API zrList2kHead : public virtual zrUsingNew {
   zrList2kHead* prev_;
 };
 
-// A ring link that carries an untyped pointer, for an object that needs more than one
-// link of the same kind (a graph branch has one in each end's branch list; the payload
-// leads back to the branch).
+/// A ring link that carries an untyped pointer, for an object that needs more than one
+/// link of the same kind (a graph branch has one in each end's branch list; the payload
+/// leads back to the branch).
 class ZR_API zrInternalList2k : public zrList2kHead {
   ZR_TYPE_IDENTITY
  public:
   zrInternalList2k() = default;
   explicit zrInternalList2k(void* payload) : payload_(payload) {}
-  // Alone, with the source's payload.
+  /// Alone, with the source's payload.
   zrInternalList2k(const zrInternalList2k& other)
       : zrUsingNew(other), zrList2kHead(other), payload_(other.payload_) {}
-  // Alone (without unlinking), with the source's payload.
+  /// Alone (without unlinking), with the source's payload.
   zrInternalList2k& operator=(const zrInternalList2k& other);
 
   void* GetPayload() const { return payload_; }
@@ -162,7 +163,7 @@ class ZR_API zrInternalList2k : public zrList2kHead {
 // value type of its own; the library instantiates them for zrSimpleGraphNodeHead*
 // (zr/graph/simple_graph.h). Copies follow their link: alone, with the value copied.
 
-// A heap node carrying a value into a singly linked ring.
+/// A heap node carrying a value into a singly linked ring.
 template <class T>
 class ZR_API zrSimpleList1k : public zrList1kHead {
   ZR_TYPE_IDENTITY
@@ -178,7 +179,7 @@ class ZR_API zrSimpleList1k : public zrList1kHead {
   T value_;
 };
 
-// A heap node carrying a value into a doubly linked ring.
+/// A heap node carrying a value into a doubly linked ring.
 template <class T>
 class ZR_API zrSimpleList2k : public zrList2kHead {
   ZR_TYPE_IDENTITY
@@ -194,13 +195,13 @@ class ZR_API zrSimpleList2k : public zrList2kHead {
   T value_;
 };
 
-// A first-in first-out queue of values. The queue is the head of a singly linked ring of
-// zrSimpleList1k<T> nodes, oldest first after the head; it keeps the last node (itself
-// when empty) and the number of values. Each Put allocates one node through the library
-// allocator (zrErrNoMemory on exhaustion, the queue unchanged); Get frees it. The nodes
-// left at destruction are freed by the ring's destructor.
-//
-// A queue owns its nodes, so it is neither copied nor assigned.
+/// A first-in first-out queue of values. The queue is the head of a singly linked ring of
+/// zrSimpleList1k<T> nodes, oldest first after the head; it keeps the last node (itself
+/// when empty) and the number of values. Each Put allocates one node through the library
+/// allocator (zrErrNoMemory on exhaustion, the queue unchanged); Get frees it. The nodes
+/// left at destruction are freed by the ring's destructor.
+///
+/// A queue owns its nodes, so it is neither copied nor assigned.
 template <class T>
 class ZR_API zrListQueue : public zrList1kHead {
   ZR_TYPE_IDENTITY
@@ -209,13 +210,13 @@ class ZR_API zrListQueue : public zrList1kHead {
   zrListQueue(const zrListQueue&) = delete;
   zrListQueue& operator=(const zrListQueue&) = delete;
 
-  // Enqueues a copy of value after the last one.
+  /// Enqueues a copy of value after the last one.
   void Put(const T& value) {
     tail_ = tail_->Add(new zrSimpleList1k<T>(value));
     ++count_;
   }
-  // Dequeues the oldest value. An empty queue throws
-  // BadParameters("zrListQueue<T>::Get : Que is empty").
+  /// Dequeues the oldest value. An empty queue throws
+  /// BadParameters("zrListQueue<T>::Get : Que is empty").
   T Get();
 
   int GetCount() const { return count_; }

@@ -1,5 +1,6 @@
-// Linear algebra: strided vectors, row and column vectors, dense matrices with
-// elimination and inversion.
+/// \file
+/// Linear algebra: strided vectors, row and column vectors, dense matrices with
+/// elimination and inversion.
 #pragma once
 
 #include "zr/core/core.h"

@@ -1,6 +1,7 @@
-// The member definitions of zrColumnVector<TT> and zrLineVector<TT>. The library includes
-// this file to instantiate them for ZR_LINALG_TYPES; include it yourself only to
-// instantiate them for a type of your own.
+/// \file
+/// The member definitions of zrColumnVector<TT> and zrLineVector<TT>. The library includes
+/// this file to instantiate them for ZR_LINALG_TYPES; include it yourself only to
+/// instantiate them for a type of your own.
 #pragma once
 
 #include "zr/linalg/line_column.h"

@@ -1,75 +1,76 @@
-// zrMatrix<TT>: the dense matrix, a view with two steps onto a shared element block.
-//
-// Element (i, j), i the row and j the column, lives at
-//   first + i * TabInColumn() + j * TabInLine().
-// Rows are called lines: LineLen() is the number of columns, ColumnLen() the number of
-// rows. A matrix that owns fresh storage is stored by rows (step in line 1, step in
-// column = number of columns). Empty matrices have both lengths 0.
-//
-// Who shares and who copies, as for zrVector<TT> (zr/linalg/vector.h):
-//   - the copy constructor SHARES; T() (the transpose), sub-matrix views (Set with a
-//     position) and GetLine/GetColumn views share the block and move no element;
-//   - operator= copies VALUES: with equal sizes into the current elements in place (every
-//     sharer sees them), row by row; another size re-creates this matrix first (Set);
-//   - Copy() leaves a private copy stored by rows; the compound operators, Fill and SetE
-//     work in place;
-//   - every other result (binary operators, products, Inverse) is a new matrix stored by
-//     rows.
-//
-// The in-place += and -= with a matrix of another size are lenient, as the library has
-// always been: this matrix is re-created with the other's size and the other is then
-// added to (subtracted from) it, with no error. The fresh storage is zero-filled first,
-// so the result is exactly the other matrix (respectively its negation); the old contents
-// are lost. The non-assigning + and - require equal sizes ("different size.").
-//
-// Element arithmetic is the element type's own: the compound operators with a scalar
-// apply the element's compound operator (for zrComplex, *= ADDS, as zrComplex::operator*=
-// does), the binary ones and all products its binary operators. Sums of products run in
-// index order from the first product, each step rounded.
-//
-// Gaussian elimination (SolveEquationGaussMethod, Inverse1, Det) works on an array of row
-// pointers, so a row exchange swaps pointers and moves no element, and keeps the
-// library's own rules:
-//   - partial pivoting with the exchange made DURING the scan: the running maximum starts
-//     at |a(k, k)|, and each row i > k whose |a(i, k)| is strictly greater is exchanged
-//     with row k at once (so the earlier holder of place k moves to place i);
-//   - the pivot row is normalised by multiplying by 1/p (the pivot itself keeps p);
-//   - each lower row j with l = a(j, k) not zero becomes (1/l) * row j - pivot row (it is
-//     scaled by 1/l rather than having l times the pivot row subtracted); a(j, k) is left
-//     as it is;
-//   - the elimination stops at the first pivot that is exactly zero; there are no
-//     tolerances;
-//   - Det() is the product of the eliminated diagonal, with no sign for the exchanges and
-//     no compensation for the 1/l scalings: rows (4, 0), (2, 3) give 6, rows (0, 1),
-//     (1, 0) give 1. It is the library's determinant, not the textbook one.
-// 1/p is the element's own quotient: for zrComplex that is the library's division by the
-// modulus (conj(p) / |p|), kept as zrComplex defines it.
-//
-// The magnitude of a pivot and the zero tests, per element type:
-//   double            |a|; zero is 0
-//   zrComplex         the modulus; zero is both parts 0
-//   zrTVec3<double>   the coordinate-wise |a|, and a candidate beats the running maximum
-//                     only when it is strictly greater in all three coordinates (the
-//                     type's own >); a pivot counts as zero (the elimination stops, back
-//                     substitution throws) when ANY coordinate is 0, since its coordinate
-//                     system cannot go on; a lower row is left alone only when l is 0 in
-//                     all three coordinates, and within a row a coordinate whose l is 0
-//                     is left as it is. For matrices with the same number in all three
-//                     coordinates (the Beta-spline systems) this is exactly the double
-//                     elimination done three times.
-//
-// Errors (BadParameters): "different size." for matrix operands that do not fit and for a
-// right-hand side of another length than the rows; "different length." for a column
-// vector of another length than the columns; "Matrix must be square." (Inverse1,
-// Inverse); "Det: Matrix must be square."; and the solver's two Windows-1251 texts,
-// ZR_TEXT_SYSTEM_INCONSISTENT (more rows than columns were eliminated) and
-// ZR_TEXT_SYSTEM_NOT_UNIQUE (back substitution met a zero diagonal).
-//
-// Flat form: rows and columns as signed 32-bit little-endian integers, then the elements
-// row by row, each row from column 0, packed in their raw form: 8 + rows * cols *
-// sizeof(TT) bytes. FromMem re-creates the matrix stored by rows.
-//
-// The template parameter is TT because T() is a member.
+/// \file
+/// zrMatrix<TT>: the dense matrix, a view with two steps onto a shared element block.
+///
+/// Element (i, j), i the row and j the column, lives at
+///   first + i * TabInColumn() + j * TabInLine().
+/// Rows are called lines: LineLen() is the number of columns, ColumnLen() the number of
+/// rows. A matrix that owns fresh storage is stored by rows (step in line 1, step in
+/// column = number of columns). Empty matrices have both lengths 0.
+///
+/// Who shares and who copies, as for zrVector<TT> (zr/linalg/vector.h):
+///   - the copy constructor SHARES; T() (the transpose), sub-matrix views (Set with a
+///     position) and GetLine/GetColumn views share the block and move no element;
+///   - operator= copies VALUES: with equal sizes into the current elements in place (every
+///     sharer sees them), row by row; another size re-creates this matrix first (Set);
+///   - Copy() leaves a private copy stored by rows; the compound operators, Fill and SetE
+///     work in place;
+///   - every other result (binary operators, products, Inverse) is a new matrix stored by
+///     rows.
+///
+/// The in-place += and -= with a matrix of another size are lenient, as the library has
+/// always been: this matrix is re-created with the other's size and the other is then
+/// added to (subtracted from) it, with no error. The fresh storage is zero-filled first,
+/// so the result is exactly the other matrix (respectively its negation); the old contents
+/// are lost. The non-assigning + and - require equal sizes ("different size.").
+///
+/// Element arithmetic is the element type's own: the compound operators with a scalar
+/// apply the element's compound operator (for zrComplex, *= ADDS, as zrComplex::operator*=
+/// does), the binary ones and all products its binary operators. Sums of products run in
+/// index order from the first product, each step rounded.
+///
+/// Gaussian elimination (SolveEquationGaussMethod, Inverse1, Det) works on an array of row
+/// pointers, so a row exchange swaps pointers and moves no element, and keeps the
+/// library's own rules:
+///   - partial pivoting with the exchange made DURING the scan: the running maximum starts
+///     at |a(k, k)|, and each row i > k whose |a(i, k)| is strictly greater is exchanged
+///     with row k at once (so the earlier holder of place k moves to place i);
+///   - the pivot row is normalised by multiplying by 1/p (the pivot itself keeps p);
+///   - each lower row j with l = a(j, k) not zero becomes (1/l) * row j - pivot row (it is
+///     scaled by 1/l rather than having l times the pivot row subtracted); a(j, k) is left
+///     as it is;
+///   - the elimination stops at the first pivot that is exactly zero; there are no
+///     tolerances;
+///   - Det() is the product of the eliminated diagonal, with no sign for the exchanges and
+///     no compensation for the 1/l scalings: rows (4, 0), (2, 3) give 6, rows (0, 1),
+///     (1, 0) give 1. It is the library's determinant, not the textbook one.
+/// 1/p is the element's own quotient: for zrComplex that is the library's division by the
+/// modulus (conj(p) / |p|), kept as zrComplex defines it.
+///
+/// The magnitude of a pivot and the zero tests, per element type:
+///   double            |a|; zero is 0
+///   zrComplex         the modulus; zero is both parts 0
+///   zrTVec3<double>   the coordinate-wise |a|, and a candidate beats the running maximum
+///                     only when it is strictly greater in all three coordinates (the
+///                     type's own >); a pivot counts as zero (the elimination stops, back
+///                     substitution throws) when ANY coordinate is 0, since its coordinate
+///                     system cannot go on; a lower row is left alone only when l is 0 in
+///                     all three coordinates, and within a row a coordinate whose l is 0
+///                     is left as it is. For matrices with the same number in all three
+///                     coordinates (the Beta-spline systems) this is exactly the double
+///                     elimination done three times.
+///
+/// Errors (BadParameters): "different size." for matrix operands that do not fit and for a
+/// right-hand side of another length than the rows; "different length." for a column
+/// vector of another length than the columns; "Matrix must be square." (Inverse1,
+/// Inverse); "Det: Matrix must be square."; and the solver's two Windows-1251 texts,
+/// ZR_TEXT_SYSTEM_INCONSISTENT (more rows than columns were eliminated) and
+/// ZR_TEXT_SYSTEM_NOT_UNIQUE (back substitution met a zero diagonal).
+///
+/// Flat form: rows and columns as signed 32-bit little-endian integers, then the elements
+/// row by row, each row from column 0, packed in their raw form: 8 + rows * cols *
+/// sizeof(TT) bytes. FromMem re-creates the matrix stored by rows.
+///
+/// The template parameter is TT because T() is a member.
 #pragma once
 
 #include "zr/arrays/arrays.h"
@@ -77,7 +78,7 @@
 #include "zr/linalg/line_column.h"
 #include "zr/linalg/vector.h"
 
-// "Система не совместна." and "Система имеет не единственное решение." in Windows-1251.
+/// "Система не совместна." and "Система имеет не единственное решение." in Windows-1251.
 #define ZR_TEXT_SYSTEM_INCONSISTENT \
   "\xD1\xE8\xF1\xF2\xE5\xEC\xE0 \xED\xE5 \xF1\xEE\xE2\xEC\xE5\xF1\xF2\xED\xE0."
 #define ZR_TEXT_SYSTEM_NOT_UNIQUE                                                   \
@@ -90,15 +91,15 @@ class ZR_API zrMatrix : public zrPArray {
  public:
   using value_type = TT;
 
-  // Empty: no block, all fields 0.
+  /// Empty: no block, all fields 0.
   zrMatrix() = default;
-  // rows x cols uninitialised elements in a fresh block, stored by rows. Either size 0
-  // gives an empty matrix; a negative one throws "zrNewWithRef : n <= 0 ".
+  /// rows x cols uninitialised elements in a fresh block, stored by rows. Either size 0
+  /// gives an empty matrix; a negative one throws "zrNewWithRef : n <= 0 ".
   zrMatrix(int rows, int cols);
-  // SHARES the source's elements: same block (counted), first element, steps, lengths.
+  /// SHARES the source's elements: same block (counted), first element, steps, lengths.
   zrMatrix(const zrMatrix& other);
-  // Copies values (see the top of this file); returns this matrix. Overlapping views of
-  // one block are copied row by row as the source stands at each step.
+  /// Copies values (see the top of this file); returns this matrix. Overlapping views of
+  /// one block are copied row by row as the source stands at each step.
   zrMatrix& operator=(const zrMatrix& other);
   ~zrMatrix() override;
 
@@ -107,104 +108,104 @@ class ZR_API zrMatrix : public zrPArray {
   int TabInLine() const { return step_line_; }
   int TabInColumn() const { return step_column_; }
   TT* GetPointer() const { return p_; }
-  // Element (i, j); no range check.
+  /// Element (i, j); no range check.
   TT& operator()(int i, int j) const {
     return p_[static_cast<long long>(i) * step_column_ + static_cast<long long>(j) * step_line_];
   }
 
-  // Storage.
-  // Releases the block, then as the constructor with two sizes.
+  /// Storage.
+  /// Releases the block, then as the constructor with two sizes.
   void Set(int rows, int cols);
-  // Set(rows, cols) only when a size differs; otherwise contents and sharing stay.
+  /// Set(rows, cols) only when a size differs; otherwise contents and sharing stay.
   void Init(int rows, int cols);
-  // A sub-matrix view: first element src(row, col), rows x cols, src's steps; holds src's
-  // block. The range is not checked.
+  /// A sub-matrix view: first element src(row, col), rows x cols, src's steps; holds src's
+  /// block. The range is not checked.
   void Set(const zrMatrix& src, int row, int col, int rows, int cols);
-  // Releases the block and views outside storage, owning nothing.
+  /// Releases the block and views outside storage, owning nothing.
   void SetDirectly(TT* data, int rows, int cols, int stepInLine, int stepInColumn);
-  // As zrVector<TT>::SetMem: release the current block, count the new one.
+  /// As zrVector<TT>::SetMem: release the current block, count the new one.
   void SetMem(void* const block) override;
-  // Releases the block and forgets it; the view fields stay.
+  /// Releases the block and forgets it; the view fields stay.
   void Free();
-  // Releases the block; all fields 0.
+  /// Releases the block; all fields 0.
   void Clear();
-  // Takes over src's block and fields; src is left empty.
+  /// Takes over src's block and fields; src is left empty.
   void Move(zrMatrix& src);
-  // Exchanges handles: no element is copied, no count changes.
+  /// Exchanges handles: no element is copied, no count changes.
   void swap(zrMatrix& other);
-  // A shared (or externally viewed) matrix takes a private copy stored by rows.
+  /// A shared (or externally viewed) matrix takes a private copy stored by rows.
   void Copy() override;
 
-  // Views that share the block.
-  // The transpose: the lengths and the steps exchanged; no element moves.
+  /// Views that share the block.
+  /// The transpose: the lengths and the steps exchanged; no element moves.
   zrMatrix T() const;
-  // out views row i: first element (i, 0), length cols, step TabInLine().
+  /// out views row i: first element (i, 0), length cols, step TabInLine().
   void GetLine(zrLineVector<TT>& out, int i) const;
-  // out views column j: first element (0, j), length rows, step TabInColumn().
+  /// out views column j: first element (0, j), length rows, step TabInColumn().
   void GetColumn(zrColumnVector<TT>& out, int j) const;
 
-  // Every element set to value (which may be an element of this matrix).
+  /// Every element set to value (which may be an element of this matrix).
   void Fill(const TT& value);
-  // Zero everywhere, 1 on the diagonal (i, i) for i below min(rows, cols).
+  /// Zero everywhere, 1 on the diagonal (i, i) for i below min(rows, cols).
   void SetE();
 
-  // In place, with the element's compound operator; the scalar is read once.
+  /// In place, with the element's compound operator; the scalar is read once.
   zrMatrix& operator+=(const TT& value);
   zrMatrix& operator-=(const TT& value);
   zrMatrix& operator*=(const TT& value);
   zrMatrix& operator/=(const TT& value);
-  // New matrices of this size, stored by rows: element op value, and the negation.
+  /// New matrices of this size, stored by rows: element op value, and the negation.
   zrMatrix operator+(const TT& value) const;
   zrMatrix operator-(const TT& value) const;
   zrMatrix operator*(const TT& value) const;
   zrMatrix operator/(const TT& value) const;
   zrMatrix operator-() const;
 
-  // In place, element by element, row by row; lenient about sizes (top of this file).
+  /// In place, element by element, row by row; lenient about sizes (top of this file).
   zrMatrix& operator+=(const zrMatrix& other);
   zrMatrix& operator-=(const zrMatrix& other);
-  // New matrices; sizes must be equal ("different size.").
+  /// New matrices; sizes must be equal ("different size.").
   zrMatrix operator+(const zrMatrix& other) const;
   zrMatrix operator-(const zrMatrix& other) const;
-  // The product: this columns must equal other's rows ("different size."); element (i, j)
-  // = a(i, 0)*b(0, j) + a(i, 1)*b(1, j) + ... in index order.
+  /// The product: this columns must equal other's rows ("different size."); element (i, j)
+  /// = a(i, 0)*b(0, j) + a(i, 1)*b(1, j) + ... in index order.
   zrMatrix operator*(const zrMatrix& other) const;
-  // Matrix times column: columns must equal the vector's length ("different length.");
-  // element i = a(i, 0)*v[0] + a(i, 1)*v[1] + ...
+  /// Matrix times column: columns must equal the vector's length ("different length.");
+  /// element i = a(i, 0)*v[0] + a(i, 1)*v[1] + ...
   zrColumnVector<TT> operator*(const zrColumnVector<TT>& v) const;
-  // out = T() * this, a cols x cols matrix: out(k, m) = a(0, k)*a(0, m) + a(1, k)*a(1, m)
-  // + ... for k <= m, mirrored into out(m, k). out is re-created when its size differs
-  // and written in place otherwise; it may be this matrix or share its block.
+  /// out = T() * this, a cols x cols matrix: out(k, m) = a(0, k)*a(0, m) + a(1, k)*a(1, m)
+  /// + ... for k <= m, mirrored into out(m, k). out is re-created when its size differs
+  /// and written in place otherwise; it may be this matrix or share its block.
   void SelfTMulSelf(zrMatrix& out) const;
 
-  // Solves this * x = b by the elimination above. DESTRUCTIVE: afterwards this matrix
-  // holds its eliminated form (rows in their own places, only pointers were exchanged)
-  // and b the transformed right-hand side. b's length must equal the rows ("different
-  // size."); x is re-created with that length when its length differs, else written in
-  // place. Throws the "not unique" text when back substitution meets a zero diagonal and
-  // the "inconsistent" text when there are more rows than columns.
+  /// Solves this * x = b by the elimination above. DESTRUCTIVE: afterwards this matrix
+  /// holds its eliminated form (rows in their own places, only pointers were exchanged)
+  /// and b the transformed right-hand side. b's length must equal the rows ("different
+  /// size."); x is re-created with that length when its length differs, else written in
+  /// place. Throws the "not unique" text when back substitution meets a zero diagonal and
+  /// the "inconsistent" text when there are more rows than columns.
   void SolveEquationGaussMethod(zrColumnVector<TT>& x, zrColumnVector<TT>& b);
-  // The inverse, leaving this matrix as it is (Inverse1 of a private copy). Square only
-  // ("Matrix must be square."); a singular matrix throws the "not unique" text.
+  /// The inverse, leaving this matrix as it is (Inverse1 of a private copy). Square only
+  /// ("Matrix must be square."); a singular matrix throws the "not unique" text.
   zrMatrix Inverse() const;
-  // The library's determinant (top of this file), taken on a private copy. Square only
-  // ("Det: Matrix must be square."). A 0 x 0 matrix gives 1.
+  /// The library's determinant (top of this file), taken on a private copy. Square only
+  /// ("Det: Matrix must be square."). A 0 x 0 matrix gives 1.
   TT Det() const;
 
   void* Pointer() const override { return p_; }
-  // With a = step in line and c = step in column:
-  //   (a < 0 ? 1 : (cols - 1) * a + 1) + (c >= 0 ? (rows - 1) * c : 0);
-  // 0 for an empty matrix.
+  /// With a = step in line and c = step in column:
+  ///   (a < 0 ? 1 : (cols - 1) * a + 1) + (c >= 0 ? (rows - 1) * c : 0);
+  /// 0 for an empty matrix.
   int PositiveLength() const override;
-  // (a < 0 ? (cols - 1) * a : 0) + (c < 0 ? (rows - 1) * c : 0); 0 for an empty matrix.
+  /// (a < 0 ? (cols - 1) * a : 0) + (c < 0 ? (rows - 1) * c : 0); 0 for an empty matrix.
   int NegativeLength() const override;
   int GetSizeOfType() const override { return static_cast<int>(sizeof(TT)); }
 
   int MemSize() const override;
   int ToMem(unsigned char* buffer) const override;
-  // Reads rows and cols and re-creates the matrix stored by rows; returns 8 + the
-  // element bytes read (8 when either size is 0). A negative size throws
-  // "zrNewWithRef : n <= 0 ".
+  /// Reads rows and cols and re-creates the matrix stored by rows; returns 8 + the
+  /// element bytes read (8 when either size is 0). A negative size throws
+  /// "zrNewWithRef : n <= 0 ".
   int FromMem(const unsigned char* buffer) override;
 
  protected:
@@ -227,6 +228,6 @@ class ZR_API zrMatrix : public zrPArray {
 #define ZR_DETAIL_EXTERN_MATRIX(T) ZR_EXTERN_TEMPLATE(class, zrMatrix<T>);
 ZR_LINALG_TYPES(ZR_DETAIL_EXTERN_MATRIX)
 
-// Arrays of matrices. Copying such an array copies the elements' values into new
-// matrices; moving elements inside it exchanges handles.
+/// Arrays of matrices. Copying such an array copies the elements' values into new
+/// matrices; moving elements inside it exchanges handles.
 ZR_EXTERN_TEMPLATE(class, zrSimpleArray<zrMatrix<double>>);

@@ -1,27 +1,28 @@
-// zrMatrix3Diag<T>: a square tridiagonal matrix kept as its three diagonals, with the
-// sweep solvers for tridiagonal, cyclic tridiagonal, five-diagonal and cyclic
-// five-diagonal systems. Only zrMatrix3Diag<double> exists.
-//
-// The matrix is three zrVector<T>, nothing more:
-//   Up    n - 1 elements, Up[i]   = element (i, i + 1)
-//   Diag  n elements,     Diag[i] = element (i, i)
-//   Down  n - 1 elements, Down[i] = element (i + 1, i)
-// n, the length of Diag, is both LineLen and ColumnLen. Since the diagonals are vectors,
-// they share as vectors do: the copy constructor, T(), Set(src, start, len), the
-// constructor from three vectors and the one from a dense matrix all share storage
-// (writes through either side reach the other); operator= copies values diagonal by
-// diagonal into the existing storage when the lengths agree (so it writes through a
-// view); Copy() makes every diagonal private. Arithmetic that returns a new matrix
-// gives fresh storage.
-//
-// The solvers never change the matrix. They do no pivoting and no test for a zero
-// denominator: they are meant for diagonally dominant systems (splines, smoothing), and a
-// zero divides through as the arithmetic gives it. The solution vector is re-created
-// with length n when its length differs, otherwise written in place (a window writes
-// through). It may be the right-hand side itself: every b[i] is read before x[i] is
-// written. Partly overlapping windows of one block are not supported.
-//
-// The template parameter is TT because T() is a member.
+/// \file
+/// zrMatrix3Diag<T>: a square tridiagonal matrix kept as its three diagonals, with the
+/// sweep solvers for tridiagonal, cyclic tridiagonal, five-diagonal and cyclic
+/// five-diagonal systems. Only zrMatrix3Diag<double> exists.
+///
+/// The matrix is three zrVector<T>, nothing more:
+///   Up    n - 1 elements, Up[i]   = element (i, i + 1)
+///   Diag  n elements,     Diag[i] = element (i, i)
+///   Down  n - 1 elements, Down[i] = element (i + 1, i)
+/// n, the length of Diag, is both LineLen and ColumnLen. Since the diagonals are vectors,
+/// they share as vectors do: the copy constructor, T(), Set(src, start, len), the
+/// constructor from three vectors and the one from a dense matrix all share storage
+/// (writes through either side reach the other); operator= copies values diagonal by
+/// diagonal into the existing storage when the lengths agree (so it writes through a
+/// view); Copy() makes every diagonal private. Arithmetic that returns a new matrix
+/// gives fresh storage.
+///
+/// The solvers never change the matrix. They do no pivoting and no test for a zero
+/// denominator: they are meant for diagonally dominant systems (splines, smoothing), and a
+/// zero divides through as the arithmetic gives it. The solution vector is re-created
+/// with length n when its length differs, otherwise written in place (a window writes
+/// through). It may be the right-hand side itself: every b[i] is read before x[i] is
+/// written. Partly overlapping windows of one block are not supported.
+///
+/// The template parameter is TT because T() is a member.
 #pragma once
 
 #include "zr/core/core.h"
@@ -33,37 +34,37 @@ template <class TT>
 class ZR_API zrMatrix3Diag : public zrUsingNew {
   ZR_TYPE_IDENTITY
  public:
-  // Three empty diagonals.
+  /// Three empty diagonals.
   zrMatrix3Diag() = default;
-  // n uninitialised diagonal elements and n - 1 on each side (none for n <= 1).
+  /// n uninitialised diagonal elements and n - 1 on each side (none for n <= 1).
   explicit zrMatrix3Diag(int n);
-  // Each diagonal copy-constructed from its argument, so sharing the argument's storage.
-  // The lengths are taken as they come; a well-formed matrix has up and down one
-  // element shorter than diag.
+  /// Each diagonal copy-constructed from its argument, so sharing the argument's storage.
+  /// The lengths are taken as they come; a well-formed matrix has up and down one
+  /// element shorter than diag.
   zrMatrix3Diag(const zrVector<TT>& up, const zrVector<TT>& diag, const zrVector<TT>& down);
-  // A view onto the band of a dense matrix: with n = min(rows, cols) and the diagonal
-  // step = step in line + step in column, Diag starts at m(0,0) with n elements, Up at
-  // m(0,1) and Down at m(1,0) with n - 1 each. The diagonals hold m's block (when it has
-  // one), so writes reach m and the storage lives as long as the view.
+  /// A view onto the band of a dense matrix: with n = min(rows, cols) and the diagonal
+  /// step = step in line + step in column, Diag starts at m(0,0) with n elements, Up at
+  /// m(0,1) and Down at m(1,0) with n - 1 each. The diagonals hold m's block (when it has
+  /// one), so writes reach m and the storage lives as long as the view.
   explicit zrMatrix3Diag(const zrMatrix<TT>& m);
-  // Shares every diagonal.
+  /// Shares every diagonal.
   zrMatrix3Diag(const zrMatrix3Diag& other);
-  // Copies values diagonal by diagonal (zrVector<T>::operator=).
+  /// Copies values diagonal by diagonal (zrVector<T>::operator=).
   zrMatrix3Diag& operator=(const zrMatrix3Diag& other);
   ~zrMatrix3Diag() override;
 
-  // Drops the old storage and takes fresh uninitialised diagonals for size n; for
-  // n <= 1 the two outer diagonals are empty.
+  /// Drops the old storage and takes fresh uninitialised diagonals for size n; for
+  /// n <= 1 the two outer diagonals are empty.
   void Set(int n);
-  // Set(n) only when n differs from the size.
+  /// Set(n) only when n differs from the size.
   void Init(int n);
-  // The three diagonals become windows of src: the leading block of len rows beginning
-  // at row start (Diag from start, len elements; Up and Down from start, len - 1
-  // elements). A block outside 0 ... src's size throws "zrMatrix3Diag: out of range".
+  /// The three diagonals become windows of src: the leading block of len rows beginning
+  /// at row start (Diag from start, len elements; Up and Down from start, len - 1
+  /// elements). A block outside 0 ... src's size throws "zrMatrix3Diag: out of range".
   void Set(const zrMatrix3Diag& src, int start, int len);
-  // Takes src's diagonals, leaving src empty.
+  /// Takes src's diagonals, leaving src empty.
   void Move(zrMatrix3Diag& src);
-  // Makes every shared diagonal private.
+  /// Makes every shared diagonal private.
   void Copy();
 
   zrVector<TT>& Up() { return up_; }
@@ -75,13 +76,13 @@ class ZR_API zrMatrix3Diag : public zrUsingNew {
   int LineLen() const { return diag_.Len(); }
   int ColumnLen() const { return diag_.Len(); }
 
-  // Element (i, j) of the band: Diag[i] for j == i, Up[i] for j == i + 1, Down[j] for
-  // i == j + 1. Any other pair throws "zrMatrix3Diag: out of range"; only the relation of
-  // i and j is checked, not that they lie below n.
+  /// Element (i, j) of the band: Diag[i] for j == i, Up[i] for j == i + 1, Down[j] for
+  /// i == j + 1. Any other pair throws "zrMatrix3Diag: out of range"; only the relation of
+  /// i and j is checked, not that they lie below n.
   TT& operator()(int i, int j) const;
 
-  // On all three diagonals; the elements outside the band are not represented and stay
-  // zero.
+  /// On all three diagonals; the elements outside the band are not represented and stay
+  /// zero.
   void Fill(const TT& v);
   zrMatrix3Diag& operator+=(const TT& s);
   zrMatrix3Diag& operator-=(const TT& s);
@@ -92,109 +93,109 @@ class ZR_API zrMatrix3Diag : public zrUsingNew {
   zrMatrix3Diag operator*(const TT& s) const;
   zrMatrix3Diag operator/(const TT& s) const;
 
-  // Diagonal by diagonal; diagonals of differing lengths throw "different length.".
+  /// Diagonal by diagonal; diagonals of differing lengths throw "different length.".
   zrMatrix3Diag& operator+=(const zrMatrix3Diag& b);
   zrMatrix3Diag& operator-=(const zrMatrix3Diag& b);
   zrMatrix3Diag operator+(const zrMatrix3Diag& b) const;
   zrMatrix3Diag operator-(const zrMatrix3Diag& b) const;
-  // 0 - element on every diagonal, as the vectors negate.
+  /// 0 - element on every diagonal, as the vectors negate.
   zrMatrix3Diag operator-() const;
 
-  // GetMatrix() + m and GetMatrix() - m, dense; sizes must be equal ("different size.").
+  /// GetMatrix() + m and GetMatrix() - m, dense; sizes must be equal ("different size.").
   zrMatrix<TT> operator+(const zrMatrix<TT>& m) const;
   zrMatrix<TT> operator-(const zrMatrix<TT>& m) const;
-  // Dense products, stored by rows. Element (i, j) sums the products of the band
-  // elements only, in increasing inner index (the structural zeros are skipped, so no
-  // 0 * inf enters); an element with no band product is +0. The dense factor must have
-  // n rows, else "different size.".
+  /// Dense products, stored by rows. Element (i, j) sums the products of the band
+  /// elements only, in increasing inner index (the structural zeros are skipped, so no
+  /// 0 * inf enters); an element with no band product is +0. The dense factor must have
+  /// n rows, else "different size.".
   zrMatrix<TT> operator*(const zrMatrix3Diag& b) const;
   zrMatrix<TT> operator*(const zrMatrix<TT>& m) const;
-  // Element i = Down[i-1]*x[i-1] + Diag[i]*x[i] + Up[i]*x[i+1] (the terms that exist, in
-  // this order), fresh storage. x must have n elements, else "different length.".
+  /// Element i = Down[i-1]*x[i-1] + Diag[i]*x[i] + Up[i]*x[i+1] (the terms that exist, in
+  /// this order), fresh storage. x must have n elements, else "different length.".
   zrColumnVector<TT> operator*(const zrColumnVector<TT>& x) const;
 
-  // The transpose, sharing the storage: its Up is this Down, its Diag this Diag, its
-  // Down this Up.
+  /// The transpose, sharing the storage: its Up is this Down, its Diag this Diag, its
+  /// Down this Up.
   zrMatrix3Diag T() const;
-  // The dense n x n matrix, zeros outside the band, stored by rows.
+  /// The dense n x n matrix, zeros outside the band, stored by rows.
   zrMatrix<TT> GetMatrix() const;
 
-  // The flat form: Up, Diag, Down one after another, each in the vector's form
-  // (4-byte length, then the elements packed). For a well-formed matrix MemSize is
-  // 2 * Up's size + Diag's size. FromMem gives every diagonal fresh storage.
+  /// The flat form: Up, Diag, Down one after another, each in the vector's form
+  /// (4-byte length, then the elements packed). For a well-formed matrix MemSize is
+  /// 2 * Up's size + Diag's size. FromMem gives every diagonal fresh storage.
   int MemSize() const;
   int ToMem(unsigned char* buffer) const;
   int FromMem(const unsigned char* buffer);
 
   // ---- Solvers ----
 
-  // Sweep (chaser) method for Down[i-1]*x[i-1] + Diag[i]*x[i] + Up[i]*x[i+1] = b[i]:
-  //   alpha[0] = -Up[0] / Diag[0], beta[0] = b[0] / Diag[0];
-  //   for i = 1 ... n-2: d = Down[i-1]*alpha[i-1] + Diag[i], alpha[i] = -Up[i] / d,
-  //                      beta[i] = (b[i] - Down[i-1]*beta[i-1]) / d;
-  //   x[n-1] = (b[n-1] - Down[n-2]*beta[n-2]) / (Down[n-2]*alpha[n-2] + Diag[n-1]);
-  //   for i = n-2 ... 0: x[i] = x[i+1]*alpha[i] + beta[i].
-  // n = 1 gives x[0] = b[0] / Diag[0]; n = 0 an empty x. b must have n elements, else
-  // "different size.".
+  /// Sweep (chaser) method for Down[i-1]*x[i-1] + Diag[i]*x[i] + Up[i]*x[i+1] = b[i]:
+  ///   alpha[0] = -Up[0] / Diag[0], beta[0] = b[0] / Diag[0];
+  ///   for i = 1 ... n-2: d = Down[i-1]*alpha[i-1] + Diag[i], alpha[i] = -Up[i] / d,
+  ///                      beta[i] = (b[i] - Down[i-1]*beta[i-1]) / d;
+  ///   x[n-1] = (b[n-1] - Down[n-2]*beta[n-2]) / (Down[n-2]*alpha[n-2] + Diag[n-1]);
+  ///   for i = n-2 ... 0: x[i] = x[i+1]*alpha[i] + beta[i].
+  /// n = 1 gives x[0] = b[0] / Diag[0]; n = 0 an empty x. b must have n elements, else
+  /// "different size.".
   void SolveEquationChaserMethod(zrColumnVector<TT>& x, const zrColumnVector<TT>& b) const;
-  // The sweep for every column of B into the same column of X. X is re-created with B's
-  // size when either length differs. B must have n rows, else "different size." (an
-  // empty B gives an empty X); X is untouched when that throws.
+  /// The sweep for every column of B into the same column of X. X is re-created with B's
+  /// size when either length differs. B must have n rows, else "different size." (an
+  /// empty B gives an empty X); X is untouched when that throws.
   void SolveEquationChaserMethod(zrMatrix<TT>& X, const zrMatrix<TT>& B) const;
-  // The cyclic system: this matrix plus top = element (0, n-1) and bottom = element
-  // (n-1, 0). With m = n - 1 and u the first m elements of x: the leading m x m block
-  // solves T'u = b[0..m-1] and T'z = w, w = (top, 0, ..., 0, Up[n-2]); then
-  //   x[n-1] = (b[n-1] - bottom*u[0] - Down[n-2]*u[n-2])
-  //            / (Diag[n-1] - Down[n-2]*z[n-2] - bottom*z[0]),
-  //   u[i] = u[i] - z[i]*x[n-1].
-  // n < 3 or b of other than n elements throws "different size.".
+  /// The cyclic system: this matrix plus top = element (0, n-1) and bottom = element
+  /// (n-1, 0). With m = n - 1 and u the first m elements of x: the leading m x m block
+  /// solves T'u = b[0..m-1] and T'z = w, w = (top, 0, ..., 0, Up[n-2]); then
+  ///   x[n-1] = (b[n-1] - bottom*u[0] - Down[n-2]*u[n-2])
+  ///            / (Diag[n-1] - Down[n-2]*z[n-2] - bottom*z[0]),
+  ///   u[i] = u[i] - z[i]*x[n-1].
+  /// n < 3 or b of other than n elements throws "different size.".
   void SolveEquationCycleChaserMethod(zrColumnVector<TT>& x, const zrColumnVector<TT>& b,
                                       const TT& top, const TT& bottom) const;
-  // The five-diagonal system of this matrix plus up2[i] = element (i, i+2) and
-  // down2[i] = element (i+2, i), by LU factorisation without pivoting (unit lower L with
-  // sub-diagonals l and mu; U with pivots d, super-diagonal u and up2), the forward
-  // substitution folded in:
-  //   d[0] = Diag[0], u[0] = Up[0], y[0] = b[0];
-  //   l = Down[0]/d[0], d[1] = Diag[1] - l*u[0], u[1] = Up[1] - l*up2[0],
-  //   y[1] = b[1] - l*y[0];
-  //   for i = 2 ... n-1: mu = down2[i-2]/d[i-2], l = (Down[i-1] - mu*u[i-2]) / d[i-1],
-  //     d[i] = Diag[i] - l*u[i-1] - mu*up2[i-2], u[i] = Up[i] - l*up2[i-1] (i <= n-2),
-  //     y[i] = b[i] - l*y[i-1] - mu*y[i-2];
-  //   x[n-1] = y[n-1]/d[n-1], x[n-2] = (y[n-2] - u[n-2]*x[n-1]) / d[n-2],
-  //   x[i] = (y[i] - u[i]*x[i+1] - up2[i]*x[i+2]) / d[i] for i = n-3 ... 0.
-  // Checks, in order: b of other than n elements, "different size."; n < 3,
-  // "invalid size : size < 3."; up2 or down2 shorter than n - 2 elements (the ones the
-  // system uses; longer is fine), "different size.".
+  /// The five-diagonal system of this matrix plus up2[i] = element (i, i+2) and
+  /// down2[i] = element (i+2, i), by LU factorisation without pivoting (unit lower L with
+  /// sub-diagonals l and mu; U with pivots d, super-diagonal u and up2), the forward
+  /// substitution folded in:
+  ///   d[0] = Diag[0], u[0] = Up[0], y[0] = b[0];
+  ///   l = Down[0]/d[0], d[1] = Diag[1] - l*u[0], u[1] = Up[1] - l*up2[0],
+  ///   y[1] = b[1] - l*y[0];
+  ///   for i = 2 ... n-1: mu = down2[i-2]/d[i-2], l = (Down[i-1] - mu*u[i-2]) / d[i-1],
+  ///     d[i] = Diag[i] - l*u[i-1] - mu*up2[i-2], u[i] = Up[i] - l*up2[i-1] (i <= n-2),
+  ///     y[i] = b[i] - l*y[i-1] - mu*y[i-2];
+  ///   x[n-1] = y[n-1]/d[n-1], x[n-2] = (y[n-2] - u[n-2]*x[n-1]) / d[n-2],
+  ///   x[i] = (y[i] - u[i]*x[i+1] - up2[i]*x[i+2]) / d[i] for i = n-3 ... 0.
+  /// Checks, in order: b of other than n elements, "different size."; n < 3,
+  /// "invalid size : size < 3."; up2 or down2 shorter than n - 2 elements (the ones the
+  /// system uses; longer is fine), "different size.".
   void SolveEquationFactorizeMethod(const zrVector<TT>& up2, const zrVector<TT>& down2,
                                     zrColumnVector<TT>& x, const zrColumnVector<TT>& b) const;
-  // The cyclic five-diagonal system: the five bands closed periodically. The six corner
-  // elements are passed in the order they are met reading the matrix by rows:
-  //   a0n2 = element (0, n-2)   a0n1 = element (0, n-1)   a1n1 = element (1, n-1)
-  //   an20 = element (n-2, 0)   an10 = element (n-1, 0)   an11 = element (n-1, 1)
-  // (a0n2 and a1n1 close down2, a0n1 closes Down; an20 and an11 close up2, an10 closes Up).
-  // up2 and down2 have n - 2 elements: up2[n-4], up2[n-3] and down2[n-4], down2[n-3]
-  // couple the two trailing unknowns.
-  //
-  // With m = n - 2, the matrix is split into the leading m x m five-diagonal block P
-  // (windows of the diagonals, up2 and down2), the columns C = (column n-2, column n-1)
-  // of rows 0 ... m-1, the rows R = (row n-2, row n-1) of columns 0 ... m-1, and the
-  // trailing 2 x 2 block S:
-  //   C[., 0]: a0n2 at row 0, up2[n-4] at row n-4, Up[n-3] at row n-3, else 0;
-  //   C[., 1]: a0n1 at row 0, a1n1 at row 1, up2[n-3] at row n-3, else 0;
-  //   R[0, .]: an20 at column 0, down2[n-4] at column n-4, Down[n-3] at column n-3;
-  //   R[1, .]: an10 at column 0, an11 at column 1, down2[n-3] at column n-3;
-  //   S = (Diag[n-2], Up[n-2]; Down[n-2], Diag[n-1]).
-  // P is solved by SolveEquationFactorizeMethod's algorithm for y (b[0 ... m-1], written
-  // into x) and for the correction columns z0 (C[., 0]) and z1 (C[., 1]). The trailing
-  // unknowns solve, by zrMatrix<T>::SolveEquationGaussMethod, the 2 x 2 system
-  //   M(r, c) = S(r, c) - R(r, .) . z_c,   rhs(r) = b[n-2+r] - R(r, .) . y,
-  // each dot product summing R's three terms in the order listed above. Finally
-  // x[i] = y[i] - z0[i]*x[n-2] - z1[i]*x[n-1] for i < m.
-  //
-  // n < 3 or b of other than n elements throws "different size.", up2 or down2 shorter
-  // than n - 2 likewise. The leading block needs three rows for its factorisation, so
-  // n = 3 and n = 4 throw "invalid size : size < 3." (at those sizes the corners would
-  // fall on the bands). A singular 2 x 2 system throws what the Gaussian solver throws.
+  /// The cyclic five-diagonal system: the five bands closed periodically. The six corner
+  /// elements are passed in the order they are met reading the matrix by rows:
+  ///   a0n2 = element (0, n-2)   a0n1 = element (0, n-1)   a1n1 = element (1, n-1)
+  ///   an20 = element (n-2, 0)   an10 = element (n-1, 0)   an11 = element (n-1, 1)
+  /// (a0n2 and a1n1 close down2, a0n1 closes Down; an20 and an11 close up2, an10 closes Up).
+  /// up2 and down2 have n - 2 elements: up2[n-4], up2[n-3] and down2[n-4], down2[n-3]
+  /// couple the two trailing unknowns.
+  ///
+  /// With m = n - 2, the matrix is split into the leading m x m five-diagonal block P
+  /// (windows of the diagonals, up2 and down2), the columns C = (column n-2, column n-1)
+  /// of rows 0 ... m-1, the rows R = (row n-2, row n-1) of columns 0 ... m-1, and the
+  /// trailing 2 x 2 block S:
+  ///   C[., 0]: a0n2 at row 0, up2[n-4] at row n-4, Up[n-3] at row n-3, else 0;
+  ///   C[., 1]: a0n1 at row 0, a1n1 at row 1, up2[n-3] at row n-3, else 0;
+  ///   R[0, .]: an20 at column 0, down2[n-4] at column n-4, Down[n-3] at column n-3;
+  ///   R[1, .]: an10 at column 0, an11 at column 1, down2[n-3] at column n-3;
+  ///   S = (Diag[n-2], Up[n-2]; Down[n-2], Diag[n-1]).
+  /// P is solved by SolveEquationFactorizeMethod's algorithm for y (b[0 ... m-1], written
+  /// into x) and for the correction columns z0 (C[., 0]) and z1 (C[., 1]). The trailing
+  /// unknowns solve, by zrMatrix<T>::SolveEquationGaussMethod, the 2 x 2 system
+  ///   M(r, c) = S(r, c) - R(r, .) . z_c,   rhs(r) = b[n-2+r] - R(r, .) . y,
+  /// each dot product summing R's three terms in the order listed above. Finally
+  /// x[i] = y[i] - z0[i]*x[n-2] - z1[i]*x[n-1] for i < m.
+  ///
+  /// n < 3 or b of other than n elements throws "different size.", up2 or down2 shorter
+  /// than n - 2 likewise. The leading block needs three rows for its factorisation, so
+  /// n = 3 and n = 4 throw "invalid size : size < 3." (at those sizes the corners would
+  /// fall on the bands). A singular 2 x 2 system throws what the Gaussian solver throws.
   void SolveEquationCycleFactorizeMethod(const zrVector<TT>& up2, const zrVector<TT>& down2,
                                          const TT& a0n2, const TT& a0n1, const TT& a1n1,
                                          const TT& an20, const TT& an10, const TT& an11,
@@ -211,7 +212,7 @@ class ZR_API zrMatrix3Diag : public zrUsingNew {
 
 ZR_EXTERN_TEMPLATE(class, zrMatrix3Diag<double>);
 
-// The flat form, forwarding to the members.
+/// The flat form, forwarding to the members.
 inline int zrMemSize(const zrMatrix3Diag<double>& m) { return m.MemSize(); }
 inline int zrToMem(unsigned char* buffer, const zrMatrix3Diag<double>& m) {
   return m.ToMem(buffer);

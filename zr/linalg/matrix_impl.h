@@ -1,6 +1,7 @@
-// The member definitions of zrMatrix<TT>. The library includes this file to instantiate
-// the matrix for ZR_LINALG_TYPES; include it yourself only to instantiate it for a type
-// of your own.
+/// \file
+/// The member definitions of zrMatrix<TT>. The library includes this file to instantiate
+/// the matrix for ZR_LINALG_TYPES; include it yourself only to instantiate it for a type
+/// of your own.
 #pragma once
 
 #include <cstdint>

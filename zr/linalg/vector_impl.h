@@ -1,6 +1,7 @@
-// The member definitions of zrVector<T> and the per-type rules of the linear-algebra
-// templates. The library includes this file to instantiate them for ZR_LINALG_TYPES;
-// include it yourself only to instantiate them for a type of your own.
+/// \file
+/// The member definitions of zrVector<T> and the per-type rules of the linear-algebra
+/// templates. The library includes this file to instantiate them for ZR_LINALG_TYPES;
+/// include it yourself only to instantiate them for a type of your own.
 #pragma once
 
 #include <cmath>

@@ -1,61 +1,62 @@
-// zrArrayND<T>: the typed N-dimensional array.
-//
-// A zrArrayNDAbs geometry over a reference-counted block of T (see array_nd_abs.h).
-// GetPointer() is the element at multi-index (0, ..., 0); it need not be the block's
-// first element (after a flip it is the last one along the flipped axis, in a
-// sub-window it lies inside another array's block).
-//
-// Who shares and who copies:
-//   - the copy constructor makes a deep, dense copy: a new block, dense strides for the
-//     source's sizes, the elements copied in the source's storage order (a flipped array
-//     copies to a dense array in the flipped order);
-//   - Set, Init with other sizes and FromMem with other sizes make a new private block;
-//   - the views (the three-source Set forms, SetSubWindow, Flip, SwapAxis, Rotate90,
-//     Rotate180, ReduceDimArrayND, GetReduceDimArrayND) and Move share the block and
-//     copy nothing; each view is checked to lie within the block and otherwise throws
-//     "CheckPointer : Invalid pointer or range." with the array left as it was;
-//   - SetDirectly views memory the array does not own (no block; it is never freed here);
-//   - operator=, Init and FromMem with the current sizes, Fill and the compound operators
-//     write through the array's own strides, so a view writes into the array it views;
-//   - Copy() gives a shared or externally viewed array a private dense copy.
-//
-// Every element loop walks lines along dimension 0 with a constant step and joins
-// lines with one precomputed carry; nothing multiplies indices per element. Where the
-// order of the walk cannot change the result (Fill, scalar operators, comparisons,
-// copies between disjoint memory, minimum and maximum) the walk turns reversed axes
-// round and takes axes in stride order, so a flipped view runs like a dense array. When
-// two such operands have their shortest steps on different axes (a dense array and an
-// axis-swapped view), the walk takes the plane of those two axes in small tiles, so
-// that neither is read across its lines; the elements meet the same partners and give
-// the same bits as in any other order. Where the order can change the result (operands
-// that overlap, a target that reaches an element twice, serialisation, Median), the
-// walk keeps storage order. Min and Max return the first extreme in storage order: a
-// floating extreme of zero, where +0 and -0 tie, is found again by a walk in storage
-// order.
-//
-// Decisions the interface leaves open:
-//   - sizes must be >= 0; a negative one throws "zrNewWithRef : n <= 0 ", a total beyond
-//     the 32-bit count throws zrErrNoMemory; a zero size gives an array of those sizes
-//     with no elements and no block;
-//   - assigning an array without dimensions, and clear(), leave an array without
-//     dimensions and without a block;
-//   - Flip and SwapAxis with an axis outside the dimensions throw "out of range of
-//     dimension";
-//   - SetDirectly releases the block the array held before;
-//   - MakeCoord gives coordinate 0 along a dimension of stride 0;
-//   - operator== compares elements at equal multi-indices in any order; arrays of
-//     different sizes (or dimension counts) are unequal.
-//
-// Errors (BadParameters): "Different dimension" and "Different range" for array
-// operands, "ArrayND range is empty." for Min/Max/MinAndMax of no elements, and for the
-// slices, checked in this order, "out of range of dimension", "Must be dimension > 1",
-// "Out of range".
-//
-// Flat form: the sizes (see array_nd_abs.h), then, when there are elements, the Size
-// elements in storage order as raw sizeof(T) bytes. It reads back dense.
-//
-// The library instantiates the template for the types of ZR_ARRAY_ND_TYPES; a program
-// may instantiate it for a type of its own by including zr/ndarray/array_nd_impl.h.
+/// \file
+/// zrArrayND<T>: the typed N-dimensional array.
+///
+/// A zrArrayNDAbs geometry over a reference-counted block of T (see array_nd_abs.h).
+/// GetPointer() is the element at multi-index (0, ..., 0); it need not be the block's
+/// first element (after a flip it is the last one along the flipped axis, in a
+/// sub-window it lies inside another array's block).
+///
+/// Who shares and who copies:
+///   - the copy constructor makes a deep, dense copy: a new block, dense strides for the
+///     source's sizes, the elements copied in the source's storage order (a flipped array
+///     copies to a dense array in the flipped order);
+///   - Set, Init with other sizes and FromMem with other sizes make a new private block;
+///   - the views (the three-source Set forms, SetSubWindow, Flip, SwapAxis, Rotate90,
+///     Rotate180, ReduceDimArrayND, GetReduceDimArrayND) and Move share the block and
+///     copy nothing; each view is checked to lie within the block and otherwise throws
+///     "CheckPointer : Invalid pointer or range." with the array left as it was;
+///   - SetDirectly views memory the array does not own (no block; it is never freed here);
+///   - operator=, Init and FromMem with the current sizes, Fill and the compound operators
+///     write through the array's own strides, so a view writes into the array it views;
+///   - Copy() gives a shared or externally viewed array a private dense copy.
+///
+/// Every element loop walks lines along dimension 0 with a constant step and joins
+/// lines with one precomputed carry; nothing multiplies indices per element. Where the
+/// order of the walk cannot change the result (Fill, scalar operators, comparisons,
+/// copies between disjoint memory, minimum and maximum) the walk turns reversed axes
+/// round and takes axes in stride order, so a flipped view runs like a dense array. When
+/// two such operands have their shortest steps on different axes (a dense array and an
+/// axis-swapped view), the walk takes the plane of those two axes in small tiles, so
+/// that neither is read across its lines; the elements meet the same partners and give
+/// the same bits as in any other order. Where the order can change the result (operands
+/// that overlap, a target that reaches an element twice, serialisation, Median), the
+/// walk keeps storage order. Min and Max return the first extreme in storage order: a
+/// floating extreme of zero, where +0 and -0 tie, is found again by a walk in storage
+/// order.
+///
+/// Decisions the interface leaves open:
+///   - sizes must be >= 0; a negative one throws "zrNewWithRef : n <= 0 ", a total beyond
+///     the 32-bit count throws zrErrNoMemory; a zero size gives an array of those sizes
+///     with no elements and no block;
+///   - assigning an array without dimensions, and clear(), leave an array without
+///     dimensions and without a block;
+///   - Flip and SwapAxis with an axis outside the dimensions throw "out of range of
+///     dimension";
+///   - SetDirectly releases the block the array held before;
+///   - MakeCoord gives coordinate 0 along a dimension of stride 0;
+///   - operator== compares elements at equal multi-indices in any order; arrays of
+///     different sizes (or dimension counts) are unequal.
+///
+/// Errors (BadParameters): "Different dimension" and "Different range" for array
+/// operands, "ArrayND range is empty." for Min/Max/MinAndMax of no elements, and for the
+/// slices, checked in this order, "out of range of dimension", "Must be dimension > 1",
+/// "Out of range".
+///
+/// Flat form: the sizes (see array_nd_abs.h), then, when there are elements, the Size
+/// elements in storage order as raw sizeof(T) bytes. It reads back dense.
+///
+/// The library instantiates the template for the types of ZR_ARRAY_ND_TYPES; a program
+/// may instantiate it for a type of its own by including zr/ndarray/array_nd_impl.h.
 #pragma once
 
 #include <iterator>
@@ -142,88 +143,88 @@ class ZR_API zrArrayND : public zrArrayNDAbs {
   using iterator = Iter<T>;
   using const_iterator = Iter<const T>;
 
-  // No dimensions, no block.
+  /// No dimensions, no block.
   zrArrayND() = default;
-  // Dense strides for the sizes and a new block of GetSize() uninitialised elements.
+  /// Dense strides for the sizes and a new block of GetSize() uninitialised elements.
   explicit zrArrayND(const zrArray<int>& range);
-  // A deep, dense copy in the source's storage order.
+  /// A deep, dense copy in the source's storage order.
   zrArrayND(const zrArrayND& other);
-  // Init with the source's sizes, then the elements copied in step through both walks:
-  // with equal sizes the array keeps its block and strides (a view writes through).
-  // Overlapping operands are copied in storage order.
+  /// Init with the source's sizes, then the elements copied in step through both walks:
+  /// with equal sizes the array keeps its block and strides (a view writes through).
+  /// Overlapping operands are copied in storage order.
   zrArrayND& operator=(const zrArrayND& other);
   ~zrArrayND() override;
 
-  // The operations zrPArray and zrArrayNDAbs leave open.
+  /// The operations zrPArray and zrArrayNDAbs leave open.
   void* Pointer() const override { return p_; }
   int GetSizeOfType() const override { return static_cast<int>(sizeof(T)); }
-  // A shared or externally viewed array takes a private dense copy (copy, then Move).
+  /// A shared or externally viewed array takes a private dense copy (copy, then Move).
   void Copy() override;
   int MemSize() const override;
   int ToMem(unsigned char* buffer) const override;
-  // Reads the sizes, Init with them (the current elements stay where the sizes match),
-  // then the elements in storage order.
+  /// Reads the sizes, Init with them (the current elements stay where the sizes match),
+  /// then the elements in storage order.
   int FromMem(const unsigned char* buffer) override;
-  // Releases the block, reshapes dense and makes a new block; contents are lost.
+  /// Releases the block, reshapes dense and makes a new block; contents are lost.
   void Set(const zrArray<int>& range) override;
-  // Nothing when the sizes are the current ones (contents, strides and sharing stay);
-  // otherwise Set(range).
+  /// Nothing when the sizes are the current ones (contents, strides and sharing stay);
+  /// otherwise Set(range).
   void Init(const zrArray<int>& range) override;
   zrArrayNDAbs* New() const override;
-  // Views of the array itself: Tab[a] negated and the origin moved to the last element
-  // along a; Range and Tab of a and b exchanged.
+  /// Views of the array itself: Tab[a] negated and the origin moved to the last element
+  /// along a; Range and Tab of a and b exchanged.
   void Flip(int a) override;
   void SwapAxis(int a, int b) override;
 
-  // The operations this class adds, in this order.
+  /// The operations this class adds, in this order.
   virtual void Fill(T value);
-  // A new empty array on the heap, owned by the caller.
+  /// A new empty array on the heap, owned by the caller.
   virtual zrArrayND* TNew() const;
-  // Takes over other's sizes, strides, origin and block; other keeps its geometry but is
-  // left with no block and a null origin.
+  /// Takes over other's sizes, strides, origin and block; other keeps its geometry but is
+  /// left with no block and a null origin.
   virtual void Move(zrArrayND& other);
-  // View: the given sizes and strides, origin = source origin + offset (in elements),
-  // sharing the source's block (none for an external source).
+  /// View: the given sizes and strides, origin = source origin + offset (in elements),
+  /// sharing the source's block (none for an external source).
   virtual void Set(const zrArrayND& source, int offset, const zrArray<int>& range,
                    const zrArray<int>& tab);
-  // The same with the source's strides.
+  /// The same with the source's strides.
   virtual void Set(const zrArrayND& source, int offset, const zrArray<int>& range);
-  // The same geometry, origin and block as the source.
+  /// The same geometry, origin and block as the source.
   virtual void Set(const zrArrayND& source);
-  // View of outside memory at p, with the given (or dense) strides.
+  /// View of outside memory at p, with the given (or dense) strides.
   virtual void SetDirectly(T* p, const zrArray<int>& range, const zrArray<int>& tab);
   virtual void SetDirectly(T* p, const zrArray<int>& range);
-  // View of the sizes from start on, with the source's strides.
+  /// View of the sizes from start on, with the source's strides.
   virtual void SetSubWindow(const zrArrayND& source, const zrArray<int>& start,
                             const zrArray<int>& range);
-  // The slice of this array at index along axis, as a new heap object owned by the
-  // caller (see ReduceDimArrayND).
+  /// The slice of this array at index along axis, as a new heap object owned by the
+  /// caller (see ReduceDimArrayND).
   virtual zrArrayND* GetReduceDimArrayND(int axis, int index) const;
-  // The minimum and maximum in one walk; no elements throw "ArrayND range is empty.".
+  /// The minimum and maximum in one walk; no elements throw "ArrayND range is empty.".
   virtual void MinAndMax(T& min, T& max) const;
 
-  // This array becomes the (n-1)-dimensional slice of source at index along axis,
-  // sharing source's block. Checks: axis, then dimension count, then index.
+  /// This array becomes the (n-1)-dimensional slice of source at index along axis,
+  /// sharing source's block. Checks: axis, then dimension count, then index.
   void ReduceDimArrayND(const zrArrayND& source, int axis, int index);
 
-  // Releases this array's hold on its block; the origin and the geometry stay.
+  /// Releases this array's hold on its block; the origin and the geometry stay.
   void Free();
-  // Releases the block and leaves no dimensions (as default-constructed).
+  /// Releases the block and leaves no dimensions (as default-constructed).
   void clear();
   bool empty() const { return GetSize() == 0; }
   int size() const { return GetSize(); }
-  // The first and last element in storage order.
+  /// The first and last element in storage order.
   T& front() const { return *p_; }
   T& back() const { return p_[GetEndPos() - Tab()[0]]; }
   T* GetPointer() const { return p_; }
   void SetPointer(T* p) { p_ = p; }
 
-  // The element at the cursor's offset from the origin.
+  /// The element at the cursor's offset from the origin.
   T& operator[](const zrRoundArrayND& r) const { return p_[r.GetPos()]; }
-  // The multi-index of the element at p: dimensions taken from the last to the first,
-  // coord[d] = off / Tab[d], off = off % Tab[d] (truncating). That inverts the offset
-  // rule for dense strides, which grow with the dimension number, and is kept for
-  // others although it need not invert them (a flipped array gives wrong coordinates).
+  /// The multi-index of the element at p: dimensions taken from the last to the first,
+  /// coord[d] = off / Tab[d], off = off % Tab[d] (truncating). That inverts the offset
+  /// rule for dense strides, which grow with the dimension number, and is kept for
+  /// others although it need not invert them (a flipped array gives wrong coordinates).
   void MakeCoord(zrArray<int>& coord, const T* p) const;
 
   iterator begin() { return iterator(*this, false); }
@@ -231,13 +232,13 @@ class ZR_API zrArrayND : public zrArrayNDAbs {
   const_iterator begin() const { return const_iterator(*this, false); }
   const_iterator end() const { return const_iterator(*this, true); }
 
-  // Element by element in step through both walks; dimension counts must be equal
-  // ("Different dimension"), then sizes ("Different range"); strides may differ.
+  /// Element by element in step through both walks; dimension counts must be equal
+  /// ("Different dimension"), then sizes ("Different range"); strides may differ.
   zrArrayND& operator+=(const zrArrayND& other);
   zrArrayND& operator-=(const zrArrayND& other);
   zrArrayND& operator*=(const zrArrayND& other);
   zrArrayND& operator/=(const zrArrayND& other);
-  // Every element op value (integer division by zero is not guarded).
+  /// Every element op value (integer division by zero is not guarded).
   zrArrayND& operator+=(const T& value);
   zrArrayND& operator-=(const T& value);
   zrArrayND& operator*=(const T& value);
@@ -245,11 +246,11 @@ class ZR_API zrArrayND : public zrArrayNDAbs {
 
   int operator==(const zrArrayND& other) const;
   int operator!=(const zrArrayND& other) const;
-  // The first extreme in storage order; no elements throw "ArrayND range is empty.".
+  /// The first extreme in storage order; no elements throw "ArrayND range is empty.".
   T Min() const;
   T Max() const;
-  // The lower median of the elements (a zrArray<T> copy's Median); no elements throw
-  // "Lenght of array is equl zero.".
+  /// The lower median of the elements (a zrArray<T> copy's Median); no elements throw
+  /// "Lenght of array is equl zero.".
   T Median() const;
 
  protected:
@@ -271,7 +272,7 @@ class ZR_API zrArrayND : public zrArrayNDAbs {
   T* p_ = nullptr;  // element at multi-index (0, ..., 0)
 };
 
-// The element types the library instantiates the N-dimensional array for.
+/// The element types the library instantiates the N-dimensional array for.
 #define ZR_ARRAY_ND_TYPES(X) \
   X(unsigned char)           \
   X(short)                   \
@@ -281,7 +282,7 @@ class ZR_API zrArrayND : public zrArrayNDAbs {
   X(float)                   \
   X(double)
 
-// The one-dimensional arrays of unsigned int (for Median) are instantiated here.
+/// The one-dimensional arrays of unsigned int (for Median) are instantiated here.
 ZR_EXTERN_TEMPLATE(class, zrSimpleArray<unsigned int>);
 ZR_EXTERN_TEMPLATE(class, zrArray<unsigned int>);
 

@@ -1,34 +1,35 @@
-// zrArrayNDAbs: the geometry of an N-dimensional block, without an element type.
-//
-// Range[k] is the number of elements along dimension k (dimension 0 varies fastest) and
-// Tab[k] the signed stride of dimension k in elements: the element with multi-index
-// (i0, ..., i(n-1)) lies sum(ik * Tab[k]) elements from the element at (0, ..., 0).
-// Indices always start at 0; a stride may be negative (a flipped axis), and the block
-// then reaches below the origin element.
-//
-// Derived quantities, recomputed by MakeAux whenever Range or Tab changes:
-//   ForTab   the carry increments: ForTab[0] = Tab[0]; for k >= 1, the offset that takes
-//            a walk from one step past the end of a line along dimension 0 (dimensions
-//            1 ... k-1 at their last index) to the start of the next line, with one
-//            more in dimension k. Dense strides give zeros from ForTab[1] on.
-//   EndPos   one step along dimension 0 past the last element in storage order.
-//   Size     the number of elements (the product of Range).
-//   Con      true when every ForTab[k], k >= 1, is zero: the elements then lie at equal
-//            steps of Tab[0] and a single flat loop reaches them all.
-// Typed loops walk a line with a constant step and join lines by one addition of a
-// carry: no element address is ever computed by multiplication.
-//
-// The block's extents around the origin: PositiveLength() = 1 + sum of the positive
-// (Range[k] - 1) * Tab[k], NegativeLength() = sum of the negative ones (zero or below,
-// without the +1: the origin element counts on the positive side).
-//
-// Flat form: the sizes only, as a zrArray<int> (a 4-byte count, then the sizes); strides
-// are never written. FromMem reads the sizes and calls Init, so a strided or flipped
-// array reads back dense.
-//
-// Strides passed explicitly must have as many entries as the sizes ("Different
-// dimension" otherwise). The mask hooks (GetCurMask and the two after it) select every
-// element here.
+/// \file
+/// zrArrayNDAbs: the geometry of an N-dimensional block, without an element type.
+///
+/// Range[k] is the number of elements along dimension k (dimension 0 varies fastest) and
+/// Tab[k] the signed stride of dimension k in elements: the element with multi-index
+/// (i0, ..., i(n-1)) lies sum(ik * Tab[k]) elements from the element at (0, ..., 0).
+/// Indices always start at 0; a stride may be negative (a flipped axis), and the block
+/// then reaches below the origin element.
+///
+/// Derived quantities, recomputed by MakeAux whenever Range or Tab changes:
+///   ForTab   the carry increments: ForTab[0] = Tab[0]; for k >= 1, the offset that takes
+///            a walk from one step past the end of a line along dimension 0 (dimensions
+///            1 ... k-1 at their last index) to the start of the next line, with one
+///            more in dimension k. Dense strides give zeros from ForTab[1] on.
+///   EndPos   one step along dimension 0 past the last element in storage order.
+///   Size     the number of elements (the product of Range).
+///   Con      true when every ForTab[k], k >= 1, is zero: the elements then lie at equal
+///            steps of Tab[0] and a single flat loop reaches them all.
+/// Typed loops walk a line with a constant step and join lines by one addition of a
+/// carry: no element address is ever computed by multiplication.
+///
+/// The block's extents around the origin: PositiveLength() = 1 + sum of the positive
+/// (Range[k] - 1) * Tab[k], NegativeLength() = sum of the negative ones (zero or below,
+/// without the +1: the origin element counts on the positive side).
+///
+/// Flat form: the sizes only, as a zrArray<int> (a 4-byte count, then the sizes); strides
+/// are never written. FromMem reads the sizes and calls Init, so a strided or flipped
+/// array reads back dense.
+///
+/// Strides passed explicitly must have as many entries as the sizes ("Different
+/// dimension" otherwise). The mask hooks (GetCurMask and the two after it) select every
+/// element here.
 #pragma once
 
 #include "zr/arrays/arrays.h"
@@ -37,16 +38,16 @@
 class ZR_API zrArrayNDAbs : public zrPArray {
   ZR_TYPE_IDENTITY
  public:
-  // A multi-index: one counter per dimension, stepped a line at a time.
-  //
-  // Besides the counters an Index holds a counted share of the sizes array of the array
-  // it was set from (the sizes its walk reads), so those sizes stay allocated as long
-  // as the index lives. Changing the array's geometry still invalidates the walk.
+  /// A multi-index: one counter per dimension, stepped a line at a time.
+  ///
+  /// Besides the counters an Index holds a counted share of the sizes array of the array
+  /// it was set from (the sizes its walk reads), so those sizes stay allocated as long
+  /// as the index lives. Changing the array's geometry still invalidates the walk.
   class ZR_API Index : public zrArray<int> {
     ZR_TYPE_IDENTITY
    public:
     Index() = default;
-    // Copies the counters and shares the same sizes.
+    /// Copies the counters and shares the same sizes.
     Index(const Index& other);
     Index& operator=(const Index& other);
     ~Index() override;
@@ -70,45 +71,45 @@ class ZR_API zrArrayNDAbs : public zrPArray {
     zrArray<int> sizes_;  // a window on the array's sizes block (counted)
   };
 
-  // No dimensions.
+  /// No dimensions.
   zrArrayNDAbs() = default;
-  // Dense strides for the sizes; an empty list throws
-  // "zrArrayNDAbs:MkTabFromRange:Array length is zero.".
+  /// Dense strides for the sizes; an empty list throws
+  /// "zrArrayNDAbs:MkTabFromRange:Array length is zero.".
   explicit zrArrayNDAbs(const zrArray<int>& range);
   zrArrayNDAbs(const zrArray<int>& range, const zrArray<int>& tab);
-  // Copy the geometry only (each array gets arrays of its own); the block and the
-  // object count are the derived class's and the copy's own.
+  /// Copy the geometry only (each array gets arrays of its own); the block and the
+  /// object count are the derived class's and the copy's own.
   zrArrayNDAbs(const zrArrayNDAbs& other);
   zrArrayNDAbs& operator=(const zrArrayNDAbs& other);
   ~zrArrayNDAbs() override;
 
   int PositiveLength() const override;
   int NegativeLength() const override;
-  // The flat form of the sizes (see the top of this file).
+  /// The flat form of the sizes (see the top of this file).
   int MemSize() const override;
   int ToMem(unsigned char* buffer) const override;
   int FromMem(const unsigned char* buffer) override;
 
-  // The operations this class adds, in this order.
-  // Dense strides for the sizes.
+  /// The operations this class adds, in this order.
+  /// Dense strides for the sizes.
   virtual void Set(const zrArray<int>& range);
-  // The typed array makes storage for the sizes.
+  /// The typed array makes storage for the sizes.
   virtual void Init(const zrArray<int>& range) = 0;
-  // A new empty object of the same class, owned by the caller; null here.
+  /// A new empty object of the same class, owned by the caller; null here.
   virtual zrArrayNDAbs* New() const;
   virtual int IsArrayND() const;
   virtual bool IsInheritFromPictureND() const;
   virtual int IsSegm() const;
   virtual void* GetSegm() const;
-  // Mask hooks: every element is selected (mask -1, every test true).
+  /// Mask hooks: every element is selected (mask -1, every test true).
   virtual int GetCurMask() const;
   virtual void SetCurMask(int mask);
   virtual bool IsEqualCurMask(const void* element, int mask) const;
-  // Reverse axis a; exchange axes a and b (the typed array makes them views).
+  /// Reverse axis a; exchange axes a and b (the typed array makes them views).
   virtual void Flip(int a) = 0;
   virtual void SwapAxis(int a, int b) = 0;
 
-  // Both arrays as passed (any signed strides).
+  /// Both arrays as passed (any signed strides).
   void Set(const zrArray<int>& range, const zrArray<int>& tab);
 
   const zrArray<int>& Range() const { return range_; }
@@ -119,45 +120,45 @@ class ZR_API zrArrayNDAbs : public zrPArray {
   int GetEndPos() const { return end_pos_; }
   bool IsCon() const { return con_; }
 
-  // Bracket a direct change of the geometry by a derived class. ModifyRange does
-  // nothing; AfterModifyRange recomputes the derived quantities.
+  /// Bracket a direct change of the geometry by a derived class. ModifyRange does
+  /// nothing; AfterModifyRange recomputes the derived quantities.
   void ModifyRange() {}
   void AfterModifyRange() { MakeAux(); }
 
-  // Dense strides: first, then each the previous times the previous size.
+  /// Dense strides: first, then each the previous times the previous size.
   static zrArray<int> MkTabFromRange(const zrArray<int>& range, int first);
-  // The carry increments for the sizes and strides.
+  /// The carry increments for the sizes and strides.
   static zrArray<int> MakeForTab(const zrArray<int>& range, const zrArray<int>& tab);
 
-  // SwapAxis(a, b) then Flip(b): a quarter turn in the plane of a and b.
+  /// SwapAxis(a, b) then Flip(b): a quarter turn in the plane of a and b.
   void Rotate90(int a, int b);
-  // Flip(a) then Flip(b).
+  /// Flip(a) then Flip(b).
   void Rotate180(int a, int b);
 
-  // Clips the segment p1-p2 to the index box [0, Range[0] - 1] x [0, Range[1] - 1] of a
-  // two-dimensional array, in place; 1 when some part of it lies inside, 0 when it
-  // misses. Points and array must have two dimensions, else "Dimension must equal 2 in
-  // GetLine.". The clipping stops after its fifth edge move and then returns 1 with the
-  // points as they stand (possibly exchanged, possibly not yet inside): a segment that
-  // needs more moves is not finished. That cap is kept on purpose.
+  /// Clips the segment p1-p2 to the index box [0, Range[0] - 1] x [0, Range[1] - 1] of a
+  /// two-dimensional array, in place; 1 when some part of it lies inside, 0 when it
+  /// misses. Points and array must have two dimensions, else "Dimension must equal 2 in
+  /// GetLine.". The clipping stops after its fifth edge move and then returns 1 with the
+  /// points as they stand (possibly exchanged, possibly not yet inside): a segment that
+  /// needs more moves is not finished. That cap is kept on purpose.
   int GetLineWithin(zrArray<int>& p1, zrArray<int>& p2) const;
 
-  // Neighbour offset tables for the strides tab (n dimensions), in elements.
-  // Face neighbours: out[2k] = tab[k], out[2k + 1] = -tab[k].
+  /// Neighbour offset tables for the strides tab (n dimensions), in elements.
+  /// Face neighbours: out[2k] = tab[k], out[2k + 1] = -tab[k].
   static void MkTabFor4Link(const zrArray<int>& tab, zrArray<int>& out);
-  // All 3^n - 1 neighbours of the cube around an element: the offsets of Rcurs2 without
-  // the element itself. Offset i and offset 3^n - 2 - i are opposite neighbours.
+  /// All 3^n - 1 neighbours of the cube around an element: the offsets of Rcurs2 without
+  /// the element itself. Offset i and offset 3^n - 2 - i are opposite neighbours.
   static void MkTabFor8Link(const zrArray<int>& tab, zrArray<int>& out);
-  // The box of aperture[k] positions along each dimension k, with the element at its low
-  // corner: every offset sum(dk * tab[k]) with 0 <= dk < aperture[k], dimension 0
-  // running fastest, so out[0] = 0 is the element itself. An aperture below 1 gives an
-  // empty table; aperture and tab of different lengths throw "Different dimension".
+  /// The box of aperture[k] positions along each dimension k, with the element at its low
+  /// corner: every offset sum(dk * tab[k]) with 0 <= dk < aperture[k], dimension 0
+  /// running fastest, so out[0] = 0 is the element itself. An aperture below 1 gives an
+  /// empty table; aperture and tab of different lengths throw "Different dimension".
   static void MkTabForAp(const zrArray<int>& tab, const zrArray<int>& aperture, zrArray<int>& out);
-  // The corners of the cell whose low corner is the element: MkTabForAp with aperture 2.
+  /// The corners of the cell whose low corner is the element: MkTabForAp with aperture 2.
   static void MkTabForVertexLink(const zrArray<int>& tab, zrArray<int>& out);
-  // The full cube: all 3^n offsets sum(dk * tab[k]) with dk in -1, 0, 1, dimension 0
-  // running fastest and each dk in that order, built a dimension at a time. The element
-  // itself (offset 0) is entry (3^n - 1) / 2. No dimensions give the single offset 0.
+  /// The full cube: all 3^n offsets sum(dk * tab[k]) with dk in -1, 0, 1, dimension 0
+  /// running fastest and each dk in that order, built a dimension at a time. The element
+  /// itself (offset 0) is entry (3^n - 1) / 2. No dimensions give the single offset 0.
   static void Rcurs2(const zrArray<int>& tab, zrArray<int>& out);
 
  protected:

@@ -1,5 +1,6 @@
-// N-dimensional arrays: the geometry base zrArrayNDAbs, the typed arrays zrArrayND<T> and
-// the periodic cursor zrRoundArrayND.
+/// \file
+/// N-dimensional arrays: the geometry base zrArrayNDAbs, the typed arrays zrArrayND<T> and
+/// the periodic cursor zrRoundArrayND.
 #pragma once
 
 #include "zr/arrays/arrays.h"

@@ -1,20 +1,21 @@
-// zrRoundArrayND: a multi-index cursor over the geometry of an N-dimensional array.
-//
-// Its elements are the coordinates, one per dimension; beside them it keeps Pos, the
-// element offset of those coordinates under the strides (sum of coordinate[k] *
-// stride[k] while the cursor is kept in step). It refers to the sizes and strides it runs
-// over without owning them: the geometry must outlive the cursor, and a change of it
-// invalidates the cursor.
-//
-// Stepping forward runs through every position in storage order (dimension 0 fastest)
-// and wraps round to the first one after the last. Stepping back is deliberately not the
-// mirror image: a borrow leaves the lower dimensions at their size, one past their last
-// index, and only a further step back in such a dimension brings it into range. Reading
-// an array through a cursor in such a state reads outside the array.
-//
-// SetPos adds the offset of the given coordinates to Pos instead of assigning it: it
-// gives the matching offset only on a cursor whose Pos is 0 (fresh or after ToBegin).
-// That rule is kept on purpose.
+/// \file
+/// zrRoundArrayND: a multi-index cursor over the geometry of an N-dimensional array.
+///
+/// Its elements are the coordinates, one per dimension; beside them it keeps Pos, the
+/// element offset of those coordinates under the strides (sum of coordinate[k] *
+/// stride[k] while the cursor is kept in step). It refers to the sizes and strides it runs
+/// over without owning them: the geometry must outlive the cursor, and a change of it
+/// invalidates the cursor.
+///
+/// Stepping forward runs through every position in storage order (dimension 0 fastest)
+/// and wraps round to the first one after the last. Stepping back is deliberately not the
+/// mirror image: a borrow leaves the lower dimensions at their size, one past their last
+/// index, and only a further step back in such a dimension brings it into range. Reading
+/// an array through a cursor in such a state reads outside the array.
+///
+/// SetPos adds the offset of the given coordinates to Pos instead of assigning it: it
+/// gives the matching offset only on a cursor whose Pos is 0 (fresh or after ToBegin).
+/// That rule is kept on purpose.
 #pragma once
 
 #include "zr/arrays/arrays.h"
@@ -24,31 +25,31 @@
 class ZR_API zrRoundArrayND : public zrArray<int> {
   ZR_TYPE_IDENTITY
  public:
-  // All coordinates 0, Pos 0, over the array's Range() and Tab().
+  /// All coordinates 0, Pos 0, over the array's Range() and Tab().
   explicit zrRoundArrayND(const zrArrayNDAbs& array);
-  // The same over explicit sizes and strides (one coordinate per size).
+  /// The same over explicit sizes and strides (one coordinate per size).
   zrRoundArrayND(const zrArray<int>& range, const zrArray<int>& tab);
-  // Copies the coordinates, the references and Pos.
+  /// Copies the coordinates, the references and Pos.
   zrRoundArrayND(const zrRoundArrayND& other);
   zrRoundArrayND& operator=(const zrRoundArrayND& other);
   ~zrRoundArrayND() override;
 
-  // Pos 0, every coordinate 0.
+  /// Pos 0, every coordinate 0.
   void ToBegin();
-  // Coordinates = the sizes, Pos = sum of size[k] * stride[k]: past the end in every
-  // dimension.
+  /// Coordinates = the sizes, Pos = sum of size[k] * stride[k]: past the end in every
+  /// dimension.
   void ToEnd();
-  // Copies the coordinates (each must lie in 0 ... size - 1, else "zrRoundArrayND : Out
-  // of range.", and the cursor is left as it was) and adds their offset to Pos.
+  /// Copies the coordinates (each must lie in 0 ... size - 1, else "zrRoundArrayND : Out
+  /// of range.", and the cursor is left as it was) and adds their offset to Pos.
   void SetPos(zrArray<int>& coords);
   int GetPos() const { return pos_; }
 
-  // One position on in storage order: 1 while the cursor stays on a position, 0 when it
-  // wrapped back to the first position (all coordinates 0, Pos 0).
+  /// One position on in storage order: 1 while the cursor stays on a position, 0 when it
+  /// wrapped back to the first position (all coordinates 0, Pos 0).
   int operator++();
-  // One position back: the first coordinate above 0 is lowered (result 1); each one at 0
-  // before it is set to its size, Pos following. From the first position the result is
-  // 0 and the cursor is in the ToEnd state.
+  /// One position back: the first coordinate above 0 is lowered (result 1); each one at 0
+  /// before it is set to its size, Pos following. From the first position the result is
+  /// 0 and the cursor is in the ToEnd state.
   int operator--();
 
  private:

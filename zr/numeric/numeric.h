@@ -1,4 +1,5 @@
-// Numerical methods: polynomials and cubic splines.
+/// \file
+/// Numerical methods: polynomials and cubic splines.
 #pragma once
 
 #include "zr/core/core.h"

@@ -1,35 +1,36 @@
-// zrPolynom<TT>: a polynomial in one variable about a centre x0, held as its column of
-// coefficients. Only zrPolynom<double> exists.
-//
-// The polynomial IS its coefficient vector: a zrColumnVector<TT> whose n elements are
-// c[0] ... c[n-1], with the coefficient form and the centre added. With t = x + (0 - x0):
-//   PowerKoef   c[0]*t^(n-1) + c[1]*t^(n-2) + ... + c[n-1]   (c[0] is the highest power)
-//   TaylorKoef  sum c[i] * t^(n-1-i) / (n-1-i)!               (c[n-1] is the value at x0,
-//                                                              c[n-2] the slope, ...)
-// Both are evaluated by a nested scheme from c[0], in this order and no other:
-//   PowerKoef   p = c[0]; p = p*t + c[i]          for i = 1 ... n-1
-//   TaylorKoef  p = c[0]; p = p*t / (n - i) + c[i] for i = 1 ... n-1
-//
-// Sharing follows the vector: the copy constructor and the constructor from a coefficient
-// column SHARE the coefficients (writes through either are seen by both); operator= and
-// SetKoef copy the coefficient VALUES into this polynomial's storage (in place when the
-// lengths agree, so every sharer of that storage sees them). Form and centre are plain
-// fields, always copied. swap exchanges handles, form and centre, so arrays of
-// polynomials move their elements without writing one into another.
-//
-// The flat form (MemSize, ToMem, FromMem) is the vector's: the coefficients only, not the
-// form or the centre.
-//
-// Choices where the definition leaves room:
-//   - the default and size constructors set the form to PowerKoef and the centre to 0;
-//   - a polynomial with no coefficients has the value 0 everywhere (after the form check);
-//   - Derivative with m < 0 throws "zrPolynom : wrong derivative order".
-//
-// Errors (BadParameters): "zrPolynom : wrong KoefType" from operator() and from
-// Derivative (there only when m < n: a derivative of order n or more is 0 whatever the
-// form says) when the form is neither PowerKoef nor TaylorKoef.
-//
-// The template parameter is TT because T() is an inherited member.
+/// \file
+/// zrPolynom<TT>: a polynomial in one variable about a centre x0, held as its column of
+/// coefficients. Only zrPolynom<double> exists.
+///
+/// The polynomial IS its coefficient vector: a zrColumnVector<TT> whose n elements are
+/// c[0] ... c[n-1], with the coefficient form and the centre added. With t = x + (0 - x0):
+///   PowerKoef   c[0]*t^(n-1) + c[1]*t^(n-2) + ... + c[n-1]   (c[0] is the highest power)
+///   TaylorKoef  sum c[i] * t^(n-1-i) / (n-1-i)!               (c[n-1] is the value at x0,
+///                                                              c[n-2] the slope, ...)
+/// Both are evaluated by a nested scheme from c[0], in this order and no other:
+///   PowerKoef   p = c[0]; p = p*t + c[i]          for i = 1 ... n-1
+///   TaylorKoef  p = c[0]; p = p*t / (n - i) + c[i] for i = 1 ... n-1
+///
+/// Sharing follows the vector: the copy constructor and the constructor from a coefficient
+/// column SHARE the coefficients (writes through either are seen by both); operator= and
+/// SetKoef copy the coefficient VALUES into this polynomial's storage (in place when the
+/// lengths agree, so every sharer of that storage sees them). Form and centre are plain
+/// fields, always copied. swap exchanges handles, form and centre, so arrays of
+/// polynomials move their elements without writing one into another.
+///
+/// The flat form (MemSize, ToMem, FromMem) is the vector's: the coefficients only, not the
+/// form or the centre.
+///
+/// Choices where the definition leaves room:
+///   - the default and size constructors set the form to PowerKoef and the centre to 0;
+///   - a polynomial with no coefficients has the value 0 everywhere (after the form check);
+///   - Derivative with m < 0 throws "zrPolynom : wrong derivative order".
+///
+/// Errors (BadParameters): "zrPolynom : wrong KoefType" from operator() and from
+/// Derivative (there only when m < n: a derivative of order n or more is 0 whatever the
+/// form says) when the form is neither PowerKoef nor TaylorKoef.
+///
+/// The template parameter is TT because T() is an inherited member.
 #pragma once
 
 #include <cstdint>
@@ -42,41 +43,41 @@ template <class TT>
 class ZR_API zrPolynom : public zrColumnVector<TT> {
   ZR_TYPE_IDENTITY
  public:
-  // The coefficient form; stored as a 32-bit enumeration.
+  /// The coefficient form; stored as a 32-bit enumeration.
   enum KoefType : std::int32_t { PowerKoef = 0, TaylorKoef = 1 };
 
-  // No coefficients, PowerKoef about 0.
+  /// No coefficients, PowerKoef about 0.
   zrPolynom() = default;
-  // n uninitialised coefficients, PowerKoef about 0.
+  /// n uninitialised coefficients, PowerKoef about 0.
   explicit zrPolynom(int n) : zrColumnVector<TT>(n) {}
-  // SHARES koef's coefficients.
+  /// SHARES koef's coefficients.
   zrPolynom(const zrColumnVector<TT>& koef, TT x0, KoefType type)
       : zrColumnVector<TT>(koef), type_(type), x0_(x0) {}
-  // SHARES other's coefficients; copies form and centre.
+  /// SHARES other's coefficients; copies form and centre.
   zrPolynom(const zrPolynom& other)
       : zrColumnVector<TT>(other), type_(other.type_), x0_(other.x0_) {}
-  // Copies the coefficient values (vector assignment), the form and the centre.
+  /// Copies the coefficient values (vector assignment), the form and the centre.
   zrPolynom& operator=(const zrPolynom& other);
   ~zrPolynom() override;
 
-  // Exchanges the coefficient handles, forms and centres; no coefficient is copied.
+  /// Exchanges the coefficient handles, forms and centres; no coefficient is copied.
   void swap(zrPolynom& other);
 
-  // Copies koef's values into this polynomial (vector assignment), then sets form and
-  // centre.
+  /// Copies koef's values into this polynomial (vector assignment), then sets form and
+  /// centre.
   void SetKoef(const zrColumnVector<TT>& koef, TT x0, KoefType type);
 
   KoefType GetKoefType() const { return type_; }
   TT GetX0() const { return x0_; }
 
-  // The value at x.
+  /// The value at x.
   TT operator()(TT x) const;
-  // The m-th derivative at x (m = 0: the value). m >= n gives 0 at once.
-  //   PowerKoef: c[i], i = 0 ... n-1-m, of degree d = n-1-i, is weighted by the falling
-  //     factorial f = d*(d-1)*...*(d-m+1) (formed first, then c[i]*f), and the weights
-  //     go through the power scheme: p = w[0]; p = p*t + w[i], i = 1 ... n-1-m.
-  //   TaylorKoef: the Taylor form of the first n - m coefficients:
-  //     p = c[0]; p = p*t / (n - m - i) + c[i], i = 1 ... n-1-m.
+  /// The m-th derivative at x (m = 0: the value). m >= n gives 0 at once.
+  ///   PowerKoef: c[i], i = 0 ... n-1-m, of degree d = n-1-i, is weighted by the falling
+  ///     factorial f = d*(d-1)*...*(d-m+1) (formed first, then c[i]*f), and the weights
+  ///     go through the power scheme: p = w[0]; p = p*t + w[i], i = 1 ... n-1-m.
+  ///   TaylorKoef: the Taylor form of the first n - m coefficients:
+  ///     p = c[0]; p = p*t / (n - m - i) + c[i], i = 1 ... n-1-m.
   TT Derivative(TT x, int m) const;
 
  private:
@@ -85,6 +86,6 @@ class ZR_API zrPolynom : public zrColumnVector<TT> {
 };
 
 ZR_EXTERN_TEMPLATE(class, zrPolynom<double>);
-// Arrays of polynomials (the segments of a spline). Copying such an array copies the
-// coefficient values into new polynomials; moving elements inside it exchanges handles.
+/// Arrays of polynomials (the segments of a spline). Copying such an array copies the
+/// coefficient values into new polynomials; moving elements inside it exchanges handles.
 ZR_EXTERN_TEMPLATE(class, zrSimpleArray<zrPolynom<double>>);

@@ -1,72 +1,73 @@
-// zrSpline<TT>: a piecewise-polynomial interpolating function y(x) through n points.
-// Only zrSpline<double> exists.
-//
-// The spline owns two arrays, both private to it:
-//   segments  n - 1 zrPolynom<TT>; segment i covers [x_i, x_(i+1)] and is centred at x_i;
-//   points    n zrColumnVector<TT>; element 0 of point i is x_i, element 1 is y_i.
-// Constructing from points, Set, the copy constructor and operator= copy values (the
-// arrays' element-wise copies), so nothing the caller holds is shared with the spline.
-// The abscissas must not decrease; that is not rejected, but the builders then fail
-// their check and the segment lookup falls back to the plain scan (below).
-//
-// Builders (each replaces every segment):
-//   MkSpline3(codes, values)  the cubic spline with two end conditions. The moments M_i
-//     (second derivatives at the points) solve a tridiagonal system: Diag = 2.0, interior
-//     row i: Down[i-1] = 1 - l_i, Up[i] = l_i with l_i = h_i / (h_(i-1) + h_i),
-//     h_i = x_(i+1) - x_i, d_i = 6 / (h_(i-1) + h_i) * ((y_(i+1) - y_i)/h_i
-//     - (y_i - y_(i-1))/h_(i-1)). The end rows come from bit codes: codes[0] holds
-//     first-derivative conditions, codes[1] second-derivative ones; bit 1 is the left
-//     end, bit 2 the right end. values(0, 0) / values(0, 1) are the prescribed first
-//     derivatives at the left / right end, values(1, 0) / values(1, 1) the second ones.
-//     They are applied in the order codes[0] bit 1, codes[0] bit 2, codes[1] bit 1,
-//     codes[1] bit 2, and exactly two must be applied. Only the count is checked: (1, 1)
-//     puts both conditions on the left end, the later replacing the earlier, and leaves
-//     the right end row as it starts, 2*M_(n-1) = 0. codes = (0, 3) with zero values is
-//     the natural spline, (3, 0) the clamped one. A missing codes element counts as 0.
-//     Segment i = PowerKoef (c0, c1, c2, c3) about x_i:
-//       c0 = (M_(i+1) - M_i)/(6*h_i), c1 = 0.5*M_i,
-//       c2 = (y_(i+1) - y_i)/h_i - (M_(i+1)/6 + M_i/3)*h_i, c3 = y_i.
-//   MkPeriodSpline3()  the periodic cubic spline with period P = x_(n-1) - x_0: point n-1
-//     is point 0 one period on, so the spline's value there is y_0 (the stored y_(n-1)
-//     must agree within the check's tolerance). Unknowns M_0 ... M_(n-2) with M_(n-1) =
-//     M_0; every row i = 0 ... n-2 is an interior row as above, the neighbours wrapping
-//     around: row 0 takes h_(n-2) as its step back and y_(n-2) as its previous value,
-//     row n-2 takes y_0 as its following value. The two corners, element (0, n-2) =
-//     1 - l_0 and element (n-2, 0) = l_(n-2), close the system, which the cyclic sweep
-//     solves (for three points, where the system has two rows, the corners fold into the
-//     band and the plain sweep solves it). Value, first and second derivative are then
-//     continuous across the period: at x_0 from segment 0 and at x_(n-1) from segment
-//     n-2 they agree.
-//   Make(degree, codes, values)  the interpolating spline of the given odd degree with
-//     degree - 1 end conditions, counted as in MkSpline3:
-//       1  the broken line: segment i = PowerKoef (slope, y_i) about x_i, with
-//          slope = (y_(i+1) - y_i)/h_i; no condition may be given;
-//       3  exactly MkSpline3(codes, values).
-//     Any other degree throws "zrSpline: wrong degree."; a wrong condition count throws
-//     "Invalid number of bound condition.".
-// Every builder then runs Check() and throws "error in spline" when it returns 0.
-//
-// Check(): every segment within 0.01 of its two end points, and at every interior node
-// the derivatives of orders 1 ... (coefficients - 2) of the two neighbouring segments
-// within 0.01 of each other. The tolerance is absolute and fixed on purpose; a NaN
-// difference fails.
-//
-// Evaluation. GetSegmentNum(x) requires n > 1 and x_0 <= x <= x_(n-1) and returns i - 1
-// for the first i in 1 ... n-1 with x_i > x, n - 2 when there is none (x = x_(n-1)). When
-// the abscissas do not decrease (decided whenever the points are taken) this index is
-// found by bisection, which gives the same answer as the scan, ties included; otherwise
-// the scan itself runs. The explicit-segment forms require 0 <= seg < n - 1 and do not
-// look at x; Derivative(m, i) requires 0 <= i < n and evaluates segment i at x_i (segment
-// n - 2 for the last point).
-//
-// Errors (BadParameters): "Spline: number of point must be >= 3" (fewer than 3 points),
-// "Spline: point must have 2 coordinates" (a point with fewer elements),
-// "zrSpline: Out of range." (x outside the nodes, bad segment or point index, a value
-// the applied conditions need lying outside the values matrix), "Invalid number of bound
-// condition.", "zrSpline: wrong degree.", "error in spline". Argument errors are raised
-// before anything changes; "error in spline" leaves the built segments in place.
-//
-// The template parameter is TT to match the polynomial's.
+/// \file
+/// zrSpline<TT>: a piecewise-polynomial interpolating function y(x) through n points.
+/// Only zrSpline<double> exists.
+///
+/// The spline owns two arrays, both private to it:
+///   segments  n - 1 zrPolynom<TT>; segment i covers [x_i, x_(i+1)] and is centred at x_i;
+///   points    n zrColumnVector<TT>; element 0 of point i is x_i, element 1 is y_i.
+/// Constructing from points, Set, the copy constructor and operator= copy values (the
+/// arrays' element-wise copies), so nothing the caller holds is shared with the spline.
+/// The abscissas must not decrease; that is not rejected, but the builders then fail
+/// their check and the segment lookup falls back to the plain scan (below).
+///
+/// Builders (each replaces every segment):
+///   MkSpline3(codes, values)  the cubic spline with two end conditions. The moments M_i
+///     (second derivatives at the points) solve a tridiagonal system: Diag = 2.0, interior
+///     row i: Down[i-1] = 1 - l_i, Up[i] = l_i with l_i = h_i / (h_(i-1) + h_i),
+///     h_i = x_(i+1) - x_i, d_i = 6 / (h_(i-1) + h_i) * ((y_(i+1) - y_i)/h_i
+///     - (y_i - y_(i-1))/h_(i-1)). The end rows come from bit codes: codes[0] holds
+///     first-derivative conditions, codes[1] second-derivative ones; bit 1 is the left
+///     end, bit 2 the right end. values(0, 0) / values(0, 1) are the prescribed first
+///     derivatives at the left / right end, values(1, 0) / values(1, 1) the second ones.
+///     They are applied in the order codes[0] bit 1, codes[0] bit 2, codes[1] bit 1,
+///     codes[1] bit 2, and exactly two must be applied. Only the count is checked: (1, 1)
+///     puts both conditions on the left end, the later replacing the earlier, and leaves
+///     the right end row as it starts, 2*M_(n-1) = 0. codes = (0, 3) with zero values is
+///     the natural spline, (3, 0) the clamped one. A missing codes element counts as 0.
+///     Segment i = PowerKoef (c0, c1, c2, c3) about x_i:
+///       c0 = (M_(i+1) - M_i)/(6*h_i), c1 = 0.5*M_i,
+///       c2 = (y_(i+1) - y_i)/h_i - (M_(i+1)/6 + M_i/3)*h_i, c3 = y_i.
+///   MkPeriodSpline3()  the periodic cubic spline with period P = x_(n-1) - x_0: point n-1
+///     is point 0 one period on, so the spline's value there is y_0 (the stored y_(n-1)
+///     must agree within the check's tolerance). Unknowns M_0 ... M_(n-2) with M_(n-1) =
+///     M_0; every row i = 0 ... n-2 is an interior row as above, the neighbours wrapping
+///     around: row 0 takes h_(n-2) as its step back and y_(n-2) as its previous value,
+///     row n-2 takes y_0 as its following value. The two corners, element (0, n-2) =
+///     1 - l_0 and element (n-2, 0) = l_(n-2), close the system, which the cyclic sweep
+///     solves (for three points, where the system has two rows, the corners fold into the
+///     band and the plain sweep solves it). Value, first and second derivative are then
+///     continuous across the period: at x_0 from segment 0 and at x_(n-1) from segment
+///     n-2 they agree.
+///   Make(degree, codes, values)  the interpolating spline of the given odd degree with
+///     degree - 1 end conditions, counted as in MkSpline3:
+///       1  the broken line: segment i = PowerKoef (slope, y_i) about x_i, with
+///          slope = (y_(i+1) - y_i)/h_i; no condition may be given;
+///       3  exactly MkSpline3(codes, values).
+///     Any other degree throws "zrSpline: wrong degree."; a wrong condition count throws
+///     "Invalid number of bound condition.".
+/// Every builder then runs Check() and throws "error in spline" when it returns 0.
+///
+/// Check(): every segment within 0.01 of its two end points, and at every interior node
+/// the derivatives of orders 1 ... (coefficients - 2) of the two neighbouring segments
+/// within 0.01 of each other. The tolerance is absolute and fixed on purpose; a NaN
+/// difference fails.
+///
+/// Evaluation. GetSegmentNum(x) requires n > 1 and x_0 <= x <= x_(n-1) and returns i - 1
+/// for the first i in 1 ... n-1 with x_i > x, n - 2 when there is none (x = x_(n-1)). When
+/// the abscissas do not decrease (decided whenever the points are taken) this index is
+/// found by bisection, which gives the same answer as the scan, ties included; otherwise
+/// the scan itself runs. The explicit-segment forms require 0 <= seg < n - 1 and do not
+/// look at x; Derivative(m, i) requires 0 <= i < n and evaluates segment i at x_i (segment
+/// n - 2 for the last point).
+///
+/// Errors (BadParameters): "Spline: number of point must be >= 3" (fewer than 3 points),
+/// "Spline: point must have 2 coordinates" (a point with fewer elements),
+/// "zrSpline: Out of range." (x outside the nodes, bad segment or point index, a value
+/// the applied conditions need lying outside the values matrix), "Invalid number of bound
+/// condition.", "zrSpline: wrong degree.", "error in spline". Argument errors are raised
+/// before anything changes; "error in spline" leaves the built segments in place.
+///
+/// The template parameter is TT to match the polynomial's.
 #pragma once
 
 #include "zr/arrays/arrays.h"
@@ -78,16 +79,16 @@ template <class TT>
 class ZR_API zrSpline : public zrUsingNew {
   ZR_TYPE_IDENTITY
  public:
-  // No points, no segments.
+  /// No points, no segments.
   zrSpline() = default;
-  // Copies the points; n - 1 empty segments wait for a builder.
+  /// Copies the points; n - 1 empty segments wait for a builder.
   explicit zrSpline(const zrSimpleArray<zrColumnVector<TT>>& points);
   zrSpline(const zrSpline& other);
   zrSpline& operator=(const zrSpline& other);
   ~zrSpline() override;
 
-  // As the constructor from points, replacing everything (nothing changes when it
-  // throws).
+  /// As the constructor from points, replacing everything (nothing changes when it
+  /// throws).
   void Set(const zrSimpleArray<zrColumnVector<TT>>& points);
 
   void MkSpline3(const zrSimpleArray<int>& codes, const zrMatrix<TT>& values);
@@ -103,7 +104,7 @@ class ZR_API zrSpline : public zrUsingNew {
   TT Derivative(const TT& x, int m, int seg) const;
   TT Derivative(int m, int i) const;
 
-  // 1 when the built spline passes the continuity test, else 0.
+  /// 1 when the built spline passes the continuity test, else 0.
   int Check() const;
 
  private:

@@ -1,4 +1,5 @@
-// Text: the byte string with its tokenizer, and the exceptions that carry strings.
+/// \file
+/// Text: the byte string with its tokenizer, and the exceptions that carry strings.
 #pragma once
 
 #include "zr/core/core.h"

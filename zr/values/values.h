@@ -1,4 +1,5 @@
-// Value types: the complex number and the 2-D and 3-D vectors.
+/// \file
+/// Value types: the complex number and the 2-D and 3-D vectors.
 #pragma once
 
 #include "zr/core/core.h"

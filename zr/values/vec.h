@@ -1,18 +1,19 @@
-// zrVec2 and zrTVec3<T>: the plane and space point or vector, plain values of doubles.
-//
-// The components are contiguous (x, y and for zrTVec3 z), so GetVec() hands out a
-// pointer to the first and operator[] indexes them without a range check (0 is x, 1 is
-// y, 2 is z). No base class, no virtual operations, no heap storage; both are trivially
-// copyable, and their default constructors leave the components uninitialised so that
-// arrays of points cost nothing to create. zrTVec3 is instantiated for double only.
-//
-// Arithmetic is componentwise. The orderings <, >, <= and >= hold only when they hold
-// for every component, so they are a partial order: (1, 5) and (2, 3) are neither <, >
-// nor <= each other; a NaN component makes all four false, and != true.
-//
-// Formulas that sum products (ScalarMul, Norm, VectorMul) are compiled in the library,
-// where contraction into fused multiply-adds is off, so that a caller's compiler flags
-// cannot change their bits. The rest is inline.
+/// \file
+/// zrVec2 and zrTVec3<T>: the plane and space point or vector, plain values of doubles.
+///
+/// The components are contiguous (x, y and for zrTVec3 z), so GetVec() hands out a
+/// pointer to the first and operator[] indexes them without a range check (0 is x, 1 is
+/// y, 2 is z). No base class, no virtual operations, no heap storage; both are trivially
+/// copyable, and their default constructors leave the components uninitialised so that
+/// arrays of points cost nothing to create. zrTVec3 is instantiated for double only.
+///
+/// Arithmetic is componentwise. The orderings <, >, <= and >= hold only when they hold
+/// for every component, so they are a partial order: (1, 5) and (2, 3) are neither <, >
+/// nor <= each other; a NaN component makes all four false, and != true.
+///
+/// Formulas that sum products (ScalarMul, Norm, VectorMul) are compiled in the library,
+/// where contraction into fused multiply-adds is off, so that a caller's compiler flags
+/// cannot change their bits. The rest is inline.
 #pragma once
 
 #include <type_traits>
@@ -23,7 +24,7 @@
 
 class ZR_API zrVec2 {
  public:
-  // Components uninitialised.
+  /// Components uninitialised.
   zrVec2() = default;
   zrVec2(double x, double y) : v_{x, y} {}
 
@@ -33,7 +34,7 @@ class ZR_API zrVec2 {
   const double& Y() const { return v_[1]; }
   double* GetVec() { return v_; }
   const double* GetVec() const { return v_; }
-  // No range check.
+  /// No range check.
   double& operator[](int i) { return v_[i]; }
   const double& operator[](int i) const { return v_[i]; }
   void Fill(double v) { v_[0] = v_[1] = v; }
@@ -54,7 +55,7 @@ class ZR_API zrVec2 {
   zrVec2& operator*=(double s) { return *this = *this * s; }
   zrVec2& operator/=(double s) { return *this = *this / s; }
 
-  // Computed as -0.0 - c, so that the sign of a zero component flips too.
+  /// Computed as -0.0 - c, so that the sign of a zero component flips too.
   zrVec2 operator-() const { return zrVec2(-0.0 - v_[0], -0.0 - v_[1]); }
 
   int operator==(const zrVec2& b) const { return v_[0] == b.v_[0] && v_[1] == b.v_[1]; }
@@ -64,15 +65,15 @@ class ZR_API zrVec2 {
   int operator<=(const zrVec2& b) const { return v_[0] <= b.v_[0] && v_[1] <= b.v_[1]; }
   int operator>=(const zrVec2& b) const { return v_[0] >= b.v_[0] && v_[1] >= b.v_[1]; }
 
-  // x*b.x + y*b.y.
+  /// x*b.x + y*b.y.
   double ScalarMul(const zrVec2& b) const;
-  // The squared length, x*x + y*y.
+  /// The squared length, x*x + y*y.
   double ScalarMul() const;
-  // sqrt(x*x + y*y), computed directly: no scaling against overflow.
+  /// sqrt(x*x + y*y), computed directly: no scaling against overflow.
   double Norm() const;
 
-  // Componentwise: this value's component where it is strictly greater (Max) or
-  // strictly smaller (Min), else b's; so a tie or a NaN takes b's.
+  /// Componentwise: this value's component where it is strictly greater (Max) or
+  /// strictly smaller (Min), else b's; so a tie or a NaN takes b's.
   zrVec2 Max(const zrVec2& b) const {
     return zrVec2(v_[0] > b.v_[0] ? v_[0] : b.v_[0], v_[1] > b.v_[1] ? v_[1] : b.v_[1]);
   }
@@ -88,10 +89,10 @@ static_assert(std::is_trivially_default_constructible_v<zrVec2>);
 static_assert(std::is_trivially_copyable_v<zrVec2>);
 static_assert(std::is_standard_layout_v<zrVec2> && sizeof(zrVec2) == 16);
 
-// The sign of each component: -1 below 0, 0 for either zero, +1 otherwise (NaN included).
+/// The sign of each component: -1 below 0, 0 for either zero, +1 otherwise (NaN included).
 ZR_API zrVec2 zrSgn(const zrVec2& v);
 
-// The flat form: x then y, 16 bytes, the same as zrComplex's.
+/// The flat form: x then y, 16 bytes, the same as zrComplex's.
 inline int zrMemSize(const zrVec2&) { return zr::detail::kPairMemSize; }
 inline int zrToMem(unsigned char* buffer, const zrVec2& v) {
   return zr::detail::PairToMem(buffer, v.X(), v.Y());
@@ -103,7 +104,7 @@ inline int zrFromMem(const unsigned char* buffer, zrVec2& v) {
 template <class T>
 class ZR_API zrTVec3 {
  public:
-  // Components uninitialised.
+  /// Components uninitialised.
   zrTVec3() = default;
   zrTVec3(T x, T y, T z) : v_{x, y, z} {}
 
@@ -115,7 +116,7 @@ class ZR_API zrTVec3 {
   const T& Z() const { return v_[2]; }
   T* GetVec() { return v_; }
   const T* GetVec() const { return v_; }
-  // No range check.
+  /// No range check.
   T& operator[](int i) { return v_[i]; }
   const T& operator[](int i) const { return v_[i]; }
   void Fill(T v) { v_[0] = v_[1] = v_[2] = v; }
@@ -146,7 +147,7 @@ class ZR_API zrTVec3 {
   zrTVec3& operator*=(T s) { return *this = *this * s; }
   zrTVec3& operator/=(T s) { return *this = *this / s; }
 
-  // Computed as -0.0 - c, so that the sign of a zero component flips too.
+  /// Computed as -0.0 - c, so that the sign of a zero component flips too.
   zrTVec3 operator-() const {
     const T nz = static_cast<T>(-0.0);
     return zrTVec3(nz - v_[0], nz - v_[1], nz - v_[2]);
@@ -171,23 +172,23 @@ class ZR_API zrTVec3 {
     return v_[0] >= b.v_[0] && v_[1] >= b.v_[1] && v_[2] >= b.v_[2];
   }
 
-  // x*b.x + y*b.y + z*b.z.
+  /// x*b.x + y*b.y + z*b.z.
   T ScalarMul(const zrTVec3& b) const;
-  // The squared length, x*x + y*y + z*z.
+  /// The squared length, x*x + y*y + z*z.
   T ScalarMul() const;
-  // sqrt(x*x + y*y + z*z), computed directly: no scaling against overflow.
+  /// sqrt(x*x + y*y + z*z), computed directly: no scaling against overflow.
   T Norm() const;
-  // The cross product this x b, each component in this order:
-  //   (a.y*b.z - a.z*b.y, b.x*a.z - a.x*b.z, a.x*b.y - b.x*a.y).
+  /// The cross product this x b, each component in this order:
+  ///   (a.y*b.z - a.z*b.y, b.x*a.z - a.x*b.z, a.x*b.y - b.x*a.y).
   zrTVec3 VectorMul(const zrTVec3& b) const;
 
   T Sum() const { return v_[0] + v_[1] + v_[2]; }
-  // The mean, (x + y + z) / 3.
+  /// The mean, (x + y + z) / 3.
   T E() const { return (v_[0] + v_[1] + v_[2]) / 3; }
 
-  // The smallest or largest component, examined in the order x, y, z; a component
-  // replaces the one kept so far unless the kept one is strictly smaller (Min) or
-  // greater (Max), so a tie or a NaN takes the later component.
+  /// The smallest or largest component, examined in the order x, y, z; a component
+  /// replaces the one kept so far unless the kept one is strictly smaller (Min) or
+  /// greater (Max), so a tie or a NaN takes the later component.
   T Min() const {
     T m = v_[0];
     if (!(m < v_[1])) m = v_[1];
@@ -211,7 +212,7 @@ static_assert(std::is_trivially_default_constructible_v<zrTVec3<double>>);
 static_assert(std::is_trivially_copyable_v<zrTVec3<double>>);
 static_assert(std::is_standard_layout_v<zrTVec3<double>> && sizeof(zrTVec3<double>) == 24);
 
-// The flat form: x, y, z, 24 bytes.
+/// The flat form: x, y, z, 24 bytes.
 inline int zrMemSize(const zrTVec3<double>&) { return 3 * zr::detail::RawMemSize<double>(); }
 inline int zrToMem(unsigned char* buffer, const zrTVec3<double>& v) {
   int n = zr::detail::RawToMem(buffer, v.X());

@@ -1,0 +1,148 @@
+// The examples of the README, compiled and run. Each region between a
+// "// [readme:<section>]" line and the next "// [end]" line is copied verbatim into the
+// README's code block of that section; zr_readme_snippets_match keeps the two equal.
+#include <gtest/gtest.h>
+
+#include <zr/zr.h>
+
+#include <cstring>
+
+TEST(Readme, Core) {
+  // [readme:core]
+  int log = zrIntLog2(1000);  // 9: 1000 halves nine times before it is 1
+  zrArray<double> a(3, 0.0);
+  const char* text = "";
+  try {
+    a.Mid(2, 5);  // past the end
+  } catch (const zrExceptionWithMessage& e) {
+    text = e.GetMessageText();  // "Invalid parameters : zrSimpleArray<T>::Mid: Out of Range"
+  }
+  // [end]
+  EXPECT_EQ(log, 9);
+  EXPECT_STREQ(text, "Invalid parameters : zrSimpleArray<T>::Mid: Out of Range");
+}
+
+TEST(Readme, Values) {
+  // [readme:values]
+  zrComplex z = zrComplex(1, 2) * zrComplex(3, -1);  // 5 + 5i
+  z *= zrComplex(1, 1);                              // *= ADDS: 6 + 6i
+  zrVec2 v = zrVec2(1, 2) * zrVec2(3, 4);            // componentwise: (3, 8)
+  // [end]
+  EXPECT_EQ(z.Re(), 6.0);
+  EXPECT_EQ(z.Im(), 6.0);
+  EXPECT_EQ(v.X(), 3.0);
+  EXPECT_EQ(v[1], 8.0);
+}
+
+TEST(Readme, Arrays) {
+  // [readme:arrays]
+  zrArray<int> a(6, 0);
+  zrArray<int> tail = a.Right(2);  // a window on a's block
+  tail.Fill(7);                    // a is 0 0 0 0 7 7
+  zrArray<int> copy(a);            // a private copy
+  copy[0] = 1;                     // a keeps its 0
+  // [end]
+  EXPECT_EQ(a.Sum(), 14);
+  EXPECT_EQ(a[0], 0);
+  EXPECT_EQ(copy.Sum(), 15);
+}
+
+TEST(Readme, NDArray) {
+  // [readme:ndarray]
+  zrArray<int> range(2);
+  range[0] = 3;  // three along axis 0
+  range[1] = 2;  // two along axis 1
+  zrArrayND<double> grid(range);
+  grid.Fill(1.0);
+  grid.front() = 5.0;
+  double sum = 0;
+  for (double x : grid) sum += x;  // 10: every element once
+  // [end]
+  EXPECT_EQ(grid.GetSize(), 6);
+  EXPECT_EQ(sum, 10.0);
+}
+
+TEST(Readme, Linalg) {
+  // [readme:linalg]
+  zrMatrix<double> m(2, 2);  // x + 2y = 5, 3x + 4y = 6
+  m(0, 0) = 1;
+  m(0, 1) = 2;
+  m(1, 0) = 3;
+  m(1, 1) = 4;
+  zrColumnVector<double> b(2), x;
+  b[0] = 5;
+  b[1] = 6;
+  m.SolveEquationGaussMethod(x, b);  // x = (-4, 4.5); m and b are eliminated in place
+  // [end]
+  EXPECT_DOUBLE_EQ(x[0], -4.0);
+  EXPECT_DOUBLE_EQ(x[1], 4.5);
+}
+
+TEST(Readme, Numeric) {
+  // [readme:numeric]
+  zrColumnVector<double> k(3);  // 3 (x - 1)^2 + 2 (x - 1) + 1: highest power first
+  k[0] = 3;
+  k[1] = 2;
+  k[2] = 1;
+  zrPolynom<double> p(k, 1.0, zrPolynom<double>::PowerKoef);
+  double y = p(3.0);                    // 17
+  double slope = p.Derivative(3.0, 1);  // 14
+  // [end]
+  EXPECT_EQ(y, 17.0);
+  EXPECT_EQ(slope, 14.0);
+}
+
+TEST(Readme, Geometry) {
+  // [readme:geometry]
+  zrGeom::StraightLine2D diagonal(zrVec2(0, 0), zrVec2(2, 2));
+  zrGeom::StraightLine2D level(zrVec2(0, 1), zrVec2(5, 1));
+  zrVec2 at;
+  bool met = IntersectLine2DLine2D(diagonal, level, &at);  // true, at (1, 1)
+  // [end]
+  EXPECT_TRUE(met);
+  EXPECT_DOUBLE_EQ(at.X(), 1.0);
+  EXPECT_DOUBLE_EQ(at[1], 1.0);
+}
+
+TEST(Readme, Curves) {
+  // [readme:curves]
+  zrSimpleContour2D square(4);  // counter-clockwise, side 2
+  square[0] = zrVec2(0, 0);
+  square[1] = zrVec2(2, 0);
+  square[2] = zrVec2(2, 2);
+  square[3] = zrVec2(0, 2);
+  double area = square.GetS();                      // 4
+  double perimeter = square.GetLengthOfCurve();     // 8
+  int inside = square.IsInsidePoint(zrVec2(1, 1));  // 1; -1 outside, 0 on the edge
+  // [end]
+  EXPECT_EQ(area, 4.0);
+  EXPECT_EQ(perimeter, 8.0);
+  EXPECT_EQ(inside, 1);
+  EXPECT_EQ(square.IsInsidePoint(zrVec2(3, 1)), -1);
+  EXPECT_EQ(square.IsInsidePoint(zrVec2(2, 1)), 0);
+}
+
+TEST(Readme, Text) {
+  // [readme:text]
+  zrString line("x = 1.5, y");
+  zrSimpleArray<zrString> words;
+  line.Tokenize(words, " =,");            // "x", "1.5", "y": views of line's characters
+  zrString joined = words[0] + words[2];  // "xy", a string of its own
+  // [end]
+  ASSERT_EQ(words.Len(), 3);
+  EXPECT_TRUE(words[1] == "1.5");
+  EXPECT_TRUE(joined == "xy");
+}
+
+TEST(Readme, Graph) {
+  // [readme:graph]
+  zrListQueue<int> queue;  // first in, first out
+  queue.Put(1);
+  queue.Put(2);
+  int first = queue.Get();  // 1; Get on an empty queue throws
+  // [end]
+  EXPECT_EQ(first, 1);
+  EXPECT_EQ(queue.GetCount(), 1);
+  EXPECT_EQ(queue.Get(), 2);
+  EXPECT_TRUE(queue.IsEmpty());
+}
