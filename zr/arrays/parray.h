@@ -90,6 +90,24 @@ class ZR_API zrPArray : public zrRefCount {
   void InitMem(void* const block) { mem_ = block; }
   // Forgets the block without releasing it.
   void FreeMem() { mem_ = nullptr; }
+  /// The block switch of arrays whose blocks hold elements of type T: the same block
+  /// again changes nothing; otherwise the new block is counted (one without the mark is
+  /// refused before anything changes) and the old one released, freed with its elements
+  /// when this was its last holder.
+  template <class T>
+  void SwitchMem(void* const block) {
+    void* const old = mem_;
+    if (block == old) return;
+    if (block) zrIncMemRef(block);
+    mem_ = block;
+    zrDeleteWithRef(static_cast<T*>(old));
+  }
+  /// Releases the block of T elements (freed when this was its last holder) and forgets it.
+  template <class T>
+  void ReleaseMem() {
+    zrDeleteWithRef(static_cast<T*>(mem_));
+    mem_ = nullptr;
+  }
 
  private:
   int BlockCheck(bool boundary) const;

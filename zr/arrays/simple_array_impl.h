@@ -140,11 +140,7 @@ zrSimpleArray<T>::~zrSimpleArray() {
 
 template <class T>
 void zrSimpleArray<T>::SetMem(void* const block) {
-  void* const old = GetMem();
-  if (block == old) return;
-  if (block) zrIncMemRef(block);  // refused before anything changes
-  InitMem(block);
-  zrDeleteWithRef(static_cast<T*>(old));
+  SwitchMem<T>(block);
 }
 
 template <class T>
@@ -158,8 +154,7 @@ void zrSimpleArray<T>::New(int n) {
 
 template <class T>
 void zrSimpleArray<T>::Free() {
-  zrDeleteWithRef(static_cast<T*>(GetMem()));
-  FreeMem();
+  ReleaseMem<T>();
 }
 
 template <class T>

@@ -184,17 +184,12 @@ void zrMatrix<TT>::SetDirectly(TT* data, int rows, int cols, int stepInLine, int
 
 template <class TT>
 void zrMatrix<TT>::SetMem(void* const block) {
-  void* const old = GetMem();
-  if (block == old) return;
-  if (block) zrIncMemRef(block);
-  InitMem(block);
-  zrDeleteWithRef(static_cast<TT*>(old));
+  SwitchMem<TT>(block);
 }
 
 template <class TT>
 void zrMatrix<TT>::Free() {
-  zrDeleteWithRef(static_cast<TT*>(GetMem()));
-  FreeMem();
+  ReleaseMem<TT>();
 }
 
 template <class TT>

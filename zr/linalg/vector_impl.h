@@ -202,17 +202,12 @@ void zrVector<T>::SetDirectly(T* data, int len, int step, const zrPArray& holder
 
 template <class T>
 void zrVector<T>::SetMem(void* const block) {
-  void* const old = GetMem();
-  if (block == old) return;
-  if (block) zrIncMemRef(block);
-  InitMem(block);
-  zrDeleteWithRef(static_cast<T*>(old));
+  SwitchMem<T>(block);
 }
 
 template <class T>
 void zrVector<T>::Free() {
-  zrDeleteWithRef(static_cast<T*>(GetMem()));
-  FreeMem();
+  ReleaseMem<T>();
 }
 
 template <class T>

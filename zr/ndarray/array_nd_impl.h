@@ -302,11 +302,7 @@ zrArrayND<T>::~zrArrayND() {
 
 template <class T>
 void zrArrayND<T>::SetMem(void* const block) {
-  void* const old = GetMem();
-  if (block == old) return;
-  if (block) zrIncMemRef(block);
-  InitMem(block);
-  zrDeleteWithRef(static_cast<T*>(old));
+  SwitchMem<T>(block);
 }
 
 template <class T>
@@ -319,8 +315,7 @@ void zrArrayND<T>::New(int n) {
 
 template <class T>
 void zrArrayND<T>::Free() {
-  zrDeleteWithRef(static_cast<T*>(GetMem()));
-  FreeMem();
+  ReleaseMem<T>();
 }
 
 template <class T>
