@@ -83,19 +83,22 @@ void MoveElement(T* p, int from, int to) {
 
 ZR_DEFINE_TYPE_IDENTITY_WITH(template <class T>, zrSimpleArray<T>, "zrSimpleArray")
 
+// The constructors that fill a new block delegate to the default constructor first: once
+// it has run the object counts as made, so an element copy that throws afterwards still
+// runs the destructor, which releases the block.
 template <class T>
-zrSimpleArray<T>::zrSimpleArray(int n) {
+zrSimpleArray<T>::zrSimpleArray(int n) : zrSimpleArray() {
   New(n);
 }
 
 template <class T>
-zrSimpleArray<T>::zrSimpleArray(int n, const T& value) {
+zrSimpleArray<T>::zrSimpleArray(int n, const T& value) : zrSimpleArray() {
   New(n);
   Fill(value);
 }
 
 template <class T>
-zrSimpleArray<T>::zrSimpleArray(const zrSimpleArray& other) : zrPArray() {
+zrSimpleArray<T>::zrSimpleArray(const zrSimpleArray& other) : zrSimpleArray() {
   if (!other.p_ || other.n_ == 0) return;
   New(other.n_);
   zr::detail::CopyDisjoint(p_, other.p_, n_);
