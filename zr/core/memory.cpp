@@ -3,6 +3,8 @@
 #include <cstdlib>
 #include <limits>
 
+#include "zr/core/fault_injection.h"
+
 namespace {
 
 // A request the platform's size_t cannot express fails like any other.
@@ -26,23 +28,90 @@ std::int32_t* CountedHeader(const void* p) {
   return header;
 }
 
+#if defined(ZR_FAULT_INJECTION)
+
+// The failure schedule and the count of live blocks (see fault_injection.h).
+struct FaultState {
+  long fail_at = 0;  // the allocation that fails first, 0 for none
+  bool persistent = false;
+  long calls = 0;     // allocations since the schedule was set
+  long injected = 0;  // failures injected since then
+  long live = 0;
+};
+
+FaultState& Faults() {
+  static FaultState state;
+  return state;
+}
+
+// Counts one allocation and throws when the schedule says it fails.
+void CountAllocation(std::uint64_t size) {
+  FaultState& f = Faults();
+  ++f.calls;
+  if (f.fail_at > 0 && (f.calls == f.fail_at || (f.persistent && f.calls > f.fail_at))) {
+    ++f.injected;
+    throw zrErrNoMemory(size);
+  }
+}
+
+#endif
+
 }  // namespace
 
 void* zrMalloc(std::uint64_t size) {
+#if defined(ZR_FAULT_INJECTION)
+  CountAllocation(size);
+#endif
   void* const p = std::malloc(CheckedSize(size));
   if (!p) throw zrErrNoMemory(size);
+#if defined(ZR_FAULT_INJECTION)
+  ++Faults().live;
+#endif
   return p;
 }
 
 void* zrRealloc(void* p, std::uint64_t size) {
+#if defined(ZR_FAULT_INJECTION)
+  CountAllocation(size);
+#endif
   void* const q = std::realloc(p, CheckedSize(size));
   if (!q) throw zrErrNoMemory(size);
+#if defined(ZR_FAULT_INJECTION)
+  if (!p) ++Faults().live;
+#endif
   return q;
 }
 
 void zrFree(void* p) {
+#if defined(ZR_FAULT_INJECTION)
+  if (p) --Faults().live;
+#endif
   if (p) std::free(p);
 }
+
+#if defined(ZR_FAULT_INJECTION)
+
+namespace zr::testing {
+
+void FailAllocation(long n, bool persistent) {
+  FaultState& f = Faults();
+  f.fail_at = n > 0 ? n : 0;
+  f.persistent = persistent;
+  f.calls = 0;
+  f.injected = 0;
+}
+
+void ClearFailure() { FailAllocation(0, false); }
+
+long AllocationsSinceSchedule() { return Faults().calls; }
+
+long InjectedFailures() { return Faults().injected; }
+
+long LiveAllocations() { return Faults().live; }
+
+}  // namespace zr::testing
+
+#endif
 
 namespace zr::detail {
 
