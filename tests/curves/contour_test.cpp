@@ -9,14 +9,11 @@
 namespace zr::detail {
 // The contour's private helpers, for the tests.
 struct ContourProbe {
-  static double SignS(const zrSimpleContour2D& c) { return c.GetSignS(); }
-  static zrVec2 Pt(const zrSimpleContour2D& c, double d, int i) { return c.GetPt(d, i); }
-  static zrVec2 PtNdiv2(const zrSimpleContour2D& c, double d, int i) { return c.GetPtNdiv2(d, i); }
-  static double TriS(const zrSimpleContour2D& c, const zrSimpleContour2D& o) {
-    return c.GetTriS(o);
-  }
-  static double PartTriS(const zrSimpleContour2D& c, const zrSimpleContour2D& o, const zrVec2& x,
-                         int k) {
+  using C = zrSimpleContour2D;
+  static zrVec2 Pt(const C& c, double d, int i) { return c.GetPt(d, i); }
+  static zrVec2 PtNdiv2(const C& c, double d, int i) { return c.GetPtNdiv2(d, i); }
+  static double TriS(const C& c, const C& o) { return c.GetTriS(o); }
+  static double PartTriS(const C& c, const C& o, const zrVec2& x, int k) {
     return c.GetPartTriS(o, x, k);
   }
 };
@@ -26,6 +23,7 @@ namespace {
 
 using Probe = zr::detail::ContourProbe;
 using zr_test::BadParametersText;
+using Line = zrGeom::StraightLine2D;
 
 zrSimpleContour2D Make(std::initializer_list<zrVec2> points) {
   zrSimpleContour2D c;
@@ -38,45 +36,24 @@ zrSimpleContour2D Square() { return Make({{0, 0}, {1, 0}, {1, 1}, {0, 1}}); }
 void ExpectPoints(const zrSimpleContour2D& c, std::initializer_list<zrVec2> points) {
   ASSERT_EQ(c.Len(), static_cast<int>(points.size()));
   int i = 0;
-  for (const zrVec2& p : points) {
-    EXPECT_NEAR(c[i].X(), p.X(), 1e-12) << "point " << i;
-    EXPECT_NEAR(c[i].Y(), p.Y(), 1e-12) << "point " << i;
-    ++i;
-  }
+  for (const zrVec2& p : points) EXPECT_LT((c[i++] - p).Norm(), 1e-12) << "point " << i - 1;
 }
 
-TEST(SimpleContour2D, MeasuresAndOrientation) {
+TEST(SimpleContour2D, MeasuresOrientationAndParameter) {
   zrSimpleContour2D sq = Square();
-  EXPECT_STREQ(sq.GetTypeString(), "zrSimpleContour2D");
-  EXPECT_EQ(sq.GetLengthOfCurve(), 4.0);
-  EXPECT_EQ(Probe::SignS(sq), 1.0);
-  EXPECT_EQ(sq.GetS(), 1.0);
   EXPECT_EQ(sq.GetOrient(), 0);
-
   zrSimpleContour2D rev = sq;
   rev.InverseOrder();
-  EXPECT_EQ(Probe::SignS(rev), -1.0);
-  EXPECT_EQ(rev.GetS(), 1.0);
   EXPECT_EQ(rev.GetOrient(), 1);
   rev.SetOrient(0);
   ExpectPoints(rev, {{0, 0}, {1, 0}, {1, 1}, {0, 1}});
-
   // Zero area counts as clockwise; the closing edge is part of the perimeter.
   zrSimpleContour2D line = Make({{0, 0}, {1, 0}, {2, 0}});
-  EXPECT_EQ(line.GetS(), 0.0);
   EXPECT_EQ(line.GetOrient(), 1);
   EXPECT_EQ(line.GetLengthOfCurve(), 4.0);
-  EXPECT_EQ(zrSimpleContour2D().GetLengthOfCurve(), 0.0);
-  EXPECT_EQ(Make({{3, 4}}).GetLengthOfCurve(), 0.0);
-}
 
-TEST(SimpleContour2D, Parameterisation) {
-  zrSimpleContour2D sq = Square();
-  EXPECT_EQ(sq(0.0), zrVec2(0, 0));
-  EXPECT_EQ(sq(0.125), zrVec2(0.5, 0));
-  EXPECT_EQ(sq(0.625), zrVec2(0.5, 1));  // the same share per edge, whatever its length
-  EXPECT_EQ(sq(1.0), zrVec2(0, 0));
-  // Outside [0, 1] the parameter wraps.
+  // The same share of the parameter per edge, whatever its length; outside [0, 1] it wraps.
+  EXPECT_EQ(sq(0.625), zrVec2(0.5, 1));
   EXPECT_EQ(sq(-0.125), sq(0.875));
   EXPECT_EQ(sq(1.375), sq(0.375));
   EXPECT_TRUE(std::isnan(zrSimpleContour2D()(0.5).X()));
@@ -84,9 +61,7 @@ TEST(SimpleContour2D, Parameterisation) {
 }
 
 TEST(SimpleContour2D, PointsAtArcDistance) {
-  zrSimpleContour2D sq = Square();
-  EXPECT_EQ(Probe::Pt(sq, 0.0, 2), zrVec2(1, 1));
-  EXPECT_EQ(Probe::Pt(sq, 1.5, 0), zrVec2(1, 0.5));
+  const zrSimpleContour2D sq = Square();
   EXPECT_EQ(Probe::Pt(sq, 1.0, 0), zrVec2(1, 0));    // an exact vertex ends the walk on its edge
   EXPECT_EQ(Probe::Pt(sq, 4.5, 0), zrVec2(0.5, 0));  // wraps around
   EXPECT_EQ(Probe::Pt(sq, 0.5, 5), zrVec2(1, 0.5));  // the start index is taken modulo n
@@ -95,149 +70,107 @@ TEST(SimpleContour2D, PointsAtArcDistance) {
   EXPECT_EQ(Probe::Pt(sq, -0.5, 0), zrVec2(0, -0.5));
   EXPECT_EQ(Probe::Pt(sq, -1.5, 0), zrVec2(-0.5, 1));
   // A contour of zero perimeter cannot be walked: point i.
-  zrSimpleContour2D dot = Make({{2, 3}, {2, 3}, {2, 3}});
+  const zrSimpleContour2D dot = Make({{2, 3}, {2, 3}, {2, 3}});
   EXPECT_EQ(Probe::Pt(dot, 1.0, 1), zrVec2(2, 3));
+  EXPECT_EQ(Probe::PtNdiv2(dot, 1.0, 0), zrVec2(2, 3));
 
-  EXPECT_EQ(Probe::PtNdiv2(sq, 0.25, 1), zrVec2(1, 0.25));
   EXPECT_EQ(Probe::PtNdiv2(sq, 7.0, 1), zrVec2(1, 0.5));  // capped at half the edge
   EXPECT_EQ(Probe::PtNdiv2(sq, -0.25, 0), zrVec2(0, -0.25));
-  EXPECT_EQ(Probe::PtNdiv2(dot, 1.0, 0), zrVec2(2, 3));
 }
 
-TEST(SimpleContour2D, IsIntersect) {
-  EXPECT_EQ(Make({{0, 0}, {1, 1}, {1, 0}, {0, 1}}).IsIntersect(), 1);
+TEST(SimpleContour2D, IsIntersectAndIsInsidePoint) {
   EXPECT_EQ(Square().IsIntersect(), 0);
-  EXPECT_EQ(zrSimpleContour2D().IsIntersect(), 0);
   // The edges (0, 0)-(4, 0) and (4, 4)-(2, -2) cross.
   EXPECT_EQ(Make({{0, 0}, {4, 0}, {4, 4}, {2, -2}}).IsIntersect(), 1);
   // The vertex (2, 0) touches the edge (0, 0)-(4, 0): the edge starting there has its C
   // on the line AB (c2 = 0), which counts.
   EXPECT_EQ(Make({{0, 0}, {4, 0}, {4, 4}, {2, 0}, {0, 4}}).IsIntersect(), 1);
-  // Concave but simple.
-  EXPECT_EQ(Make({{0, 0}, {4, 0}, {4, 4}, {2, 1}, {0, 4}}).IsIntersect(), 0);
-}
+  EXPECT_EQ(Make({{0, 0}, {4, 0}, {4, 4}, {2, 1}, {0, 4}}).IsIntersect(), 0);  // concave
 
-TEST(SimpleContour2D, IsInsidePoint) {
-  zrSimpleContour2D sq = Square();
+  const zrSimpleContour2D sq = Square();
   EXPECT_EQ(sq.IsInsidePoint({0.5, 0.5}), 1);
-  EXPECT_EQ(sq.IsInsidePoint({2, 0.5}), -1);
   EXPECT_EQ(sq.IsInsidePoint({1, 0.5}), 0);
-  EXPECT_EQ(sq.IsInsidePoint({0, 0}), 0);
   EXPECT_EQ(sq.IsInsidePoint({0.5, 1}), 0);  // on a horizontal edge
   EXPECT_EQ(sq.IsInsidePoint({2, 1}), -1);   // level with a horizontal edge, beside it
   EXPECT_EQ(zrSimpleContour2D().IsInsidePoint({0, 0}), -1);
-
-  // The ray passes through the vertex (2, 1): only the edge whose lower end lies there
-  // counts.
-  zrSimpleContour2D tri = Make({{0, 0}, {2, 1}, {0, 2}});
+  // The ray through the vertex (2, 1) counts only the edge whose lower end lies there.
+  const zrSimpleContour2D tri = Make({{0, 0}, {2, 1}, {0, 2}});
   EXPECT_EQ(tri.IsInsidePoint({1, 1}), 1);
-  EXPECT_EQ(tri.IsInsidePoint({-1, 1}), -1);
   EXPECT_EQ(tri.IsInsidePoint({3, 1}), -1);
   EXPECT_EQ(tri.IsInsidePoint({2, 1}), 0);
   EXPECT_EQ(tri.IsInsidePoint({1, 0.5}), 0);  // on the edge (0, 0) - (2, 1)
 }
 
-TEST(SimpleContour2D, MakeCoherentRotatesAndReorientsInPlace) {
-  zrSimpleContour2D target = Make({{0, 0}, {2, 0}, {2, 1}, {0, 1}});
+TEST(SimpleContour2D, MakeCoherentRotatesReorientsAndMeasuresTheBand) {
   // The same points, clockwise and starting elsewhere.
   zrSimpleContour2D c = Make({{2, 0}, {0, 0}, {0, 1}, {2, 1}});
   zrArray<zrVec2> view = c.Left(4);  // shares c's block
-  c.MakeCoherent(target);
+  c.MakeCoherent(Make({{0, 0}, {2, 0}, {2, 1}, {0, 1}}));
   ExpectPoints(c, {{0, 0}, {2, 0}, {2, 1}, {0, 1}});
-  EXPECT_EQ(view[0], zrVec2(0, 0));
   EXPECT_EQ(view[1], zrVec2(2, 0));
-
   // The target's point 2 lies farthest from this contour, nearest to its point 0: a
   // right rotation by 2 carries point 0 to index 2.
   zrSimpleContour2D sq = Make({{0, 1}, {0, 0}, {1, 0}, {1, 1}});
   sq.MakeCoherent(Make({{1, 0}, {1, 1}, {0, 5}, {0, 0}}));
   ExpectPoints(sq, {{1, 0}, {1, 1}, {0, 1}, {0, 0}});
 
-  zrSimpleContour2D empty;
-  empty.MakeCoherent(zrSimpleContour2D());
-  EXPECT_EQ(empty.Len(), 0);
   const std::string text =
       "Invalid parameters : zrSimpleContour2D::MakeCoherent: both length Must be equal.";
   EXPECT_EQ(BadParametersText([&] { c.MakeCoherent(zrSimpleContour2D(Square().Left(3))); }), text);
   EXPECT_EQ(BadParametersText([&] { c.MakeCoherentS(zrSimpleContour2D()); }), text);
-}
+  zrSimpleContour2D empty;
+  empty.MakeCoherent(zrSimpleContour2D());
+  empty.MakeCoherentS(zrSimpleContour2D());
+  EXPECT_EQ(empty.Len(), 0);
 
-TEST(SimpleContour2D, BandMeasure) {
-  // Identical squares: every triangle has the sides 10, sqrt(101), sqrt(101) (the lift
-  // 100 applies to the contour's own edges too), area 5 * sqrt(76).
-  zrSimpleContour2D sq = Square();
+  // MakeCoherentS restores the starting point of any rotated copy.
+  zrSimpleContour2D target = Make({{0, 0}, {3, 0}, {4, 2}, {3, 4}, {0, 4}, {-1, 2}});
+  for (int r = 0; r < 6; ++r) {
+    zrSimpleContour2D copy = target;
+    copy.CycleLeftShift(r);
+    if (r % 2 == 1) copy.InverseOrder();  // and clockwise
+    zrArray<zrVec2> shared = copy.Left(6);
+    copy.MakeCoherentS(target);
+    for (int i = 0; i < 6; ++i) EXPECT_TRUE(copy[i] == target[i] && shared[i] == target[i]) << r;
+  }
+  // The band measure. Identical squares: every triangle has the sides 10, sqrt(101),
+  // sqrt(101) (the lift 100 applies to the contour's own edges too), area 5 * sqrt(76).
+  sq = Square();
   EXPECT_NEAR(Probe::TriS(sq, sq), 20.0 * std::sqrt(76.0), 1e-11);
   // Around a point with the lift 1: three triangles with sides 1, sqrt(2), sqrt(2).
   EXPECT_NEAR(Probe::PartTriS(sq, sq, sq[2], 2), 0.75 * std::sqrt(1.75), 1e-14);
   EXPECT_EQ(Probe::PartTriS(sq, sq, sq[2], 6), Probe::PartTriS(sq, sq, sq[2], 2));
 }
 
-TEST(SimpleContour2D, MakeCoherentSRestoresTheStartingPoint) {
-  zrSimpleContour2D target = Make({{0, 0}, {3, 0}, {4, 2}, {3, 4}, {0, 4}, {-1, 2}});
-  for (int r = 0; r < 6; ++r) {
-    zrSimpleContour2D c = target;
-    c.CycleLeftShift(r);
-    if (r % 2 == 1) c.InverseOrder();  // and clockwise
-    zrArray<zrVec2> view = c.Left(6);
-    c.MakeCoherentS(target);
-    for (int i = 0; i < 6; ++i) {
-      EXPECT_EQ(c[i], target[i]) << "rotation " << r;
-      EXPECT_EQ(view[i], target[i]) << "rotation " << r;
-    }
-  }
-  zrSimpleContour2D empty;
-  empty.MakeCoherentS(zrSimpleContour2D());
-  EXPECT_EQ(empty.Len(), 0);
-}
-
-TEST(SimpleContour2D, CutByStraightLine) {
+TEST(SimpleContour2D, CutByStraightLineAndClipToRange) {
   zrSimpleContour2D sq = Square();
-  // The right of the direction -y is -x: the half with x <= 0.5 stays.
-  zrSimpleContour2D left = sq.CutByStraightLine(zrGeom::StraightLine2D({0.5, 1}, {0.5, 0}));
-  ExpectPoints(left, {{0, 0}, {0.5, 0}, {0.5, 1}, {0, 1}});
-  EXPECT_EQ(sq.Len(), 4);
-
   // Vertices (1, 0) and (0, 1) lie on the cutting diagonal: the first is left toward the
   // kept side after arriving from the other, the second reached from the kept side, so
   // each comes out twice.
-  zrSimpleContour2D half = sq.CutByStraightLine(zrGeom::StraightLine2D({1, 0}, {0, 1}));
-  ExpectPoints(half, {{1, 0}, {1, 0}, {1, 1}, {0, 1}, {0, 1}});
-
-  // Nothing on the kept side.
-  EXPECT_EQ(sq.CutByStraightLine(zrGeom::StraightLine2D({5, 0}, {5, 1})).Len(), 0);
-  // The closing edge's crossing comes last.
-  ExpectPoints(sq.CutByStraightLine(zrGeom::StraightLine2D({0, 0.5}, {1, 0.5})),
+  ExpectPoints(sq.CutByStraightLine(Line({1, 0}, {0, 1})),
+               {{1, 0}, {1, 0}, {1, 1}, {0, 1}, {0, 1}});
+  // The right of the direction +x is -y: the half with y <= 0.5 stays, the closing edge's
+  // crossing last.
+  ExpectPoints(sq.CutByStraightLine(Line({0, 0.5}, {1, 0.5})),
                {{0, 0}, {1, 0}, {1, 0.5}, {0, 0.5}});
 
-  EXPECT_EQ(BadParametersText([&] {
-              zrSimpleContour2D(Square().Left(2))
-                  .CutByStraightLine(zrGeom::StraightLine2D({0, 0}, {1, 0}));
-            }),
-            "Invalid parameters : Contour2D must have larger two of point.");
-}
-
-TEST(SimpleContour2D, PolyLineToRange) {
   zrSimpleContour2D big = Make({{-1, -1}, {5, -1}, {5, 5}, {-1, 5}});
-  ExpectPoints(big.CutByStraightLine(zrGeom::StraightLine2D({2, 0}, {0, 0})),
-               {{5, 0}, {5, 5}, {-1, 5}, {-1, 0}});
-  zrArray<int> range(2);
-  range[0] = 3;
-  range[1] = 3;
+  zrArray<int> range(2, 3);
   zrSimpleContour2D clipped = big.zrPolyLineToRange(range);
   ASSERT_EQ(clipped.Len(), 4);
-  for (const zrVec2& corner : {zrVec2(0, 0), zrVec2(2, 0), zrVec2(2, 2), zrVec2(0, 2)}) {
-    double dist = 1;
-    clipped.GetIndexOfMinDistance(dist, corner);
-    EXPECT_LT(dist, 1e-12);
-  }
+  // Four points, area 4 and the range's corners on the outline: the square [0, 2]^2.
+  for (const zrVec2& corner : {zrVec2(0, 0), zrVec2(2, 0), zrVec2(2, 2), zrVec2(0, 2)})
+    EXPECT_EQ(clipped.IsInsidePoint(corner), 0);
   EXPECT_NEAR(clipped.GetS(), 4.0, 1e-12);
 
+  const std::string few = "Invalid parameters : Contour2D must have larger two of point.";
+  zrSimpleContour2D two(Square().Left(2));
+  EXPECT_EQ(BadParametersText([&] { two.CutByStraightLine(Line({0, 0}, {1, 0})); }), few);
   EXPECT_EQ(BadParametersText([&] { big.zrPolyLineToRange(zrArray<int>(3, 1)); }),
             "Invalid parameters : Dimension must equal 2 in GetLine.");
   // Entirely outside: the first cut leaves nothing for the second.
   zrSimpleContour2D away = Make({{10, -5}, {11, -5}, {11, -4}});
-  EXPECT_EQ(BadParametersText([&] { away.zrPolyLineToRange(range); }),
-            "Invalid parameters : Contour2D must have larger two of point.");
+  EXPECT_EQ(BadParametersText([&] { away.zrPolyLineToRange(range); }), few);
 }
 
 TEST(SimpleContour2D, ArraysMoveContoursWithoutWritingSharedPoints) {
@@ -246,8 +179,6 @@ TEST(SimpleContour2D, ArraysMoveContoursWithoutWritingSharedPoints) {
   contours[1] = Make({{5, 5}, {6, 5}, {6, 6}, {5, 6}});
   zrArray<zrVec2> view = contours[0].Left(4);  // shares contour 0's block
   contours.InverseOrder();
-  EXPECT_EQ(contours[1][2], zrVec2(1, 1));
-  EXPECT_EQ(contours[0][2], zrVec2(6, 6));
   EXPECT_EQ(view[2], zrVec2(1, 1));
   EXPECT_EQ(view.GetPointer(), contours[1].GetPointer());
 }

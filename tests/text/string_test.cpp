@@ -15,6 +15,9 @@ namespace {
 
 using zr_test::BadParametersText;
 using K = zrString::TOKEN;
+constexpr K kIdent = zrString::TOKEN_IDENT, kInt = zrString::TOKEN_INT,
+            kReal = zrString::TOKEN_REAL, kString = zrString::TOKEN_STRING,
+            kSymbol = zrString::TOKEN_SYMBOL, kEnd = zrString::TOKEN_END;
 
 std::string Text(const zrString& s) { return s.Len() ? std::string(s.GetPointer(), s.Len()) : ""; }
 
@@ -25,11 +28,7 @@ zrString View(const std::vector<char>& chars) {
   return zrString(chars.data(), static_cast<int>(chars.size()));
 }
 
-struct Token {
-  K kind;
-  std::string text;
-  bool operator==(const Token& o) const { return kind == o.kind && text == o.text; }
-};
+using Token = std::pair<K, std::string>;
 
 // Every token up to TOKEN_END; each must lie in the source's characters, just before pos.
 std::vector<Token> Scan(const zrString& s) {
@@ -37,7 +36,7 @@ std::vector<Token> Scan(const zrString& s) {
   zrString token;
   for (int pos = 0;;) {
     const K kind = s.GetToken(pos, token);
-    if (kind == zrString::TOKEN_END) return out;
+    if (kind == kEnd) return out;
     EXPECT_EQ(token.GetPointer() + token.Len(), s.GetPointer() + pos) << Text(token);
     out.push_back({kind, Text(token)});
   }
@@ -47,13 +46,11 @@ int BlockCount(const zrPArray& a) { return zr::detail::BlockCount(a.GetMem()); }
 
 }  // namespace
 
-TEST(StringToken, ScansAMixedLineIntoTheSourcesCharacters) {
+TEST(StringToken, ScansIntoTheSourcesCharactersByTheGrammar) {
   const std::vector<char> chars = Exact("alpha_1 = 3.25e-2, \"x y\" -7  ");
   const std::vector<Token> expected = {
-      {zrString::TOKEN_IDENT, "alpha_1"},  {zrString::TOKEN_SYMBOL, "="},
-      {zrString::TOKEN_REAL, "3.25e-2"},   {zrString::TOKEN_SYMBOL, ","},
-      {zrString::TOKEN_STRING, "\"x y\""}, {zrString::TOKEN_SYMBOL, "-"},
-      {zrString::TOKEN_INT, "7"}};
+      {kIdent, "alpha_1"},  {kSymbol, "="}, {kReal, "3.25e-2"}, {kSymbol, ","},
+      {kString, "\"x y\""}, {kSymbol, "-"}, {kInt, "7"}};
   const zrString view = View(chars);
   EXPECT_EQ(Scan(view), expected);
 
@@ -62,73 +59,44 @@ TEST(StringToken, ScansAMixedLineIntoTheSourcesCharacters) {
   const zrString owned = view + zrString();
   zrString token;
   int pos = 26;
-  EXPECT_EQ(owned.GetToken(pos, token), zrString::TOKEN_INT);
-  EXPECT_EQ(token.GetMem(), owned.GetMem());
-  EXPECT_EQ(owned.GetToken(pos, token), zrString::TOKEN_END);
-  EXPECT_TRUE(pos == 29 && token == "7");
-  EXPECT_EQ(owned.GetToken(pos, token), zrString::TOKEN_END);
-  EXPECT_TRUE(token.Len() == 0 && token.GetMem() == nullptr);
+  EXPECT_TRUE(owned.GetToken(pos, token) == kInt && token.GetMem() == owned.GetMem());
+  EXPECT_TRUE(owned.GetToken(pos, token) == kEnd && pos == 29 && token == "7");
+  EXPECT_TRUE(owned.GetToken(pos, token) == kEnd && token.Len() == 0 && !token.GetMem());
 
-  // The token may be the string itself.
-  zrString self("  abc+");
+  zrString self("  abc+");  // the token may be the string itself
   pos = 0;
-  EXPECT_EQ(self.GetToken(pos, self), zrString::TOKEN_IDENT);
-  EXPECT_EQ(self, "abc");
-}
+  EXPECT_TRUE(self.GetToken(pos, self) == kIdent && self == "abc");
 
-TEST(StringToken, NumbersLeaveWhatDoesNotCompleteToTheNextCall) {
-  struct Case {
-    const char* text;
-    const char* token;
-    K kind;
-    int pos;
-  } const cases[] = {
-      {"12.", "12", zrString::TOKEN_INT, 2},       {"12.x", "12", zrString::TOKEN_INT, 2},
-      {"1e-", "1", zrString::TOKEN_REAL, 1},       {"12e", "12", zrString::TOKEN_REAL, 2},
-      {"12e+1", "12", zrString::TOKEN_REAL, 2},    {"3.5e-x", "3.5", zrString::TOKEN_REAL, 3},
-      {"7e-3", "7e-3", zrString::TOKEN_REAL, 4},   {"1E5", "1", zrString::TOKEN_INT, 1},
-      {"12abc", "12", zrString::TOKEN_INT, 2},     {"-7", "-", zrString::TOKEN_SYMBOL, 1},
-      {"+7", "+", zrString::TOKEN_SYMBOL, 1},      {"_a1.b", "_a1", zrString::TOKEN_IDENT, 3},
-      {"\"\"x", "\"\"", zrString::TOKEN_STRING, 2}};
-  for (const Case& c : cases) {
-    const std::vector<char> chars = Exact(c.text);
-    zrString token;
-    int pos = 0;
-    EXPECT_EQ(View(chars).GetToken(pos, token), c.kind) << c.text;
-    EXPECT_EQ(Text(token), c.token) << c.text;
-    EXPECT_EQ(pos, c.pos) << c.text;
-  }
-  const std::vector<Token> rest = {{zrString::TOKEN_INT, "12"}, {zrString::TOKEN_SYMBOL, "."}};
-  EXPECT_EQ(Scan(zrString("12.")), rest);
-}
+  // Numbers leave what does not complete them to the next call.
+  const std::pair<const char*, Token> cases[] = {
+      {"12.", {kInt, "12"}},       {"12.x", {kInt, "12"}},   {"1e-", {kReal, "1"}},
+      {"12e", {kReal, "12"}},      {"12e+1", {kReal, "12"}}, {"3.5e-x", {kReal, "3.5"}},
+      {"7e-3", {kReal, "7e-3"}},   {"1E5", {kInt, "1"}},     {"12abc", {kInt, "12"}},
+      {"-7", {kSymbol, "-"}},      {"+7", {kSymbol, "+"}},   {"_a1.b", {kIdent, "_a1"}},
+      {"\"\"x", {kString, "\"\""}}};
+  // Exact's characters live to the end of the full expression, past the scan.
+  for (const auto& c : cases) EXPECT_EQ(Scan(View(Exact(c.first))).front(), c.second) << c.first;
+  EXPECT_EQ(Scan(zrString("12.")), (std::vector<Token>{{kInt, "12"}, {kSymbol, "."}}));
 
-TEST(StringToken, ClassifiesEveryByteAndFailsOnAnOpenQuote) {
+  // Every single byte is classified; an open quote fails.
   for (int b = 0; b < 256; ++b) {
     if (b == '"') continue;
-    const std::vector<char> chars(1, static_cast<char>(b));
-    zrString token;
-    int pos = 0;
+    const std::vector<char> one(1, static_cast<char>(b));
+    pos = 0;
     const bool letter = (b >= 'a' && b <= 'z') || (b >= 'A' && b <= 'Z') || b == '_';
     const bool space = b == ' ' || (b >= '\t' && b <= '\r');
-    const K expected = letter                   ? zrString::TOKEN_IDENT
-                       : (b >= '0' && b <= '9') ? zrString::TOKEN_INT
-                       : space                  ? zrString::TOKEN_END
-                                                : zrString::TOKEN_SYMBOL;
-    EXPECT_EQ(View(chars).GetToken(pos, token), expected) << b;
-    EXPECT_EQ(pos, 1) << b;
+    const K kind = letter ? kIdent : (b >= '0' && b <= '9') ? kInt : space ? kEnd : kSymbol;
+    EXPECT_TRUE(View(one).GetToken(pos, token) == kind && pos == 1) << b;
   }
   const std::string quote = "Invalid parameters : syntax error : expected '\"'";
-  for (const char* text : {"\"", "ab \"x y", "\"\"\""}) {
-    const std::vector<char> chars = Exact(text);
-    EXPECT_EQ(BadParametersText([&] { Scan(View(chars)); }), quote) << text;
-  }
-  int pos = -1;
-  zrString token;
-  EXPECT_EQ(BadParametersText([&] { zrString("a").GetToken(pos, token); }),
+  for (const char* text : {"\"", "ab \"x y", "\"\"\""})
+    EXPECT_EQ(BadParametersText([&] { Scan(View(Exact(text))); }), quote) << text;
+  pos = -1;
+  EXPECT_EQ(BadParametersText([&] { self.GetToken(pos, token); }),
             "Invalid parameters : zrString::GetToken: pos < 0");
 }
 
-TEST(String, ConstructionViewsOrOwns) {
+TEST(String, ConstructionAndSlicesViewOrOwn) {
   const char text[] = "abc";
   const zrString view(text);
   EXPECT_TRUE(view.GetPointer() == text && view.Len() == 3 && view.GetMem() == nullptr);
@@ -136,36 +104,26 @@ TEST(String, ConstructionViewsOrOwns) {
     EXPECT_TRUE(empty.Len() == 0 && empty.GetPointer() == nullptr);
   const zrString copy(view);  // a private block
   EXPECT_TRUE(copy.GetPointer() != text && copy == view);
-  EXPECT_EQ(BlockCount(zrString(5)), 5);
   EXPECT_EQ(BadParametersText([] { zrString(-1); }), "Invalid parameters : zrNewWithRef : n <= 0 ");
-  EXPECT_STREQ(view.GetTypeString(), "zrString");
-}
 
-TEST(String, SlicesViewTheSourceUncounted) {
+  // Slices view the source uncounted.
   zrString owned = zrString("hello") + zrString();
   zrString mid = owned.Mid(1, 3);
   EXPECT_TRUE(mid.GetPointer() == owned.GetPointer() + 1 && mid.GetMem() == nullptr);
   EXPECT_EQ(owned.GetNumOfRef(), 0);
   mid[0] = 'a';
-  EXPECT_EQ(owned, "hallo");
-  EXPECT_EQ(owned.Left(2), "ha");
-  EXPECT_EQ(owned.Right(2).GetPointer(), owned.GetPointer() + 3);
-
-  const auto text = [](const char* name) {
-    return std::string("Invalid parameters : zrSimpleArray<T>::") + name + ": Out of Range";
-  };
-  EXPECT_EQ(BadParametersText([&] { owned.Left(0); }), text("Left"));
-  EXPECT_EQ(BadParametersText([&] { owned.Left(6); }), text("Left"));
-  EXPECT_EQ(BadParametersText([&] { owned.Right(6); }), text("Right"));
-  for (const auto& range : {std::pair(-1, 2), std::pair(0, 0), std::pair(3, 3)})
-    EXPECT_EQ(BadParametersText([&] { owned.Mid(range.first, range.second); }), text("Mid"));
+  EXPECT_TRUE(owned == "hallo" && owned.Right(2).GetPointer() == owned.GetPointer() + 3);
+  const std::string where = "Invalid parameters : zrSimpleArray<T>::", range = ": Out of Range";
+  EXPECT_EQ(BadParametersText([&] { owned.Left(0); }), where + "Left" + range);
+  EXPECT_EQ(BadParametersText([&] { owned.Right(6); }), where + "Right" + range);
+  for (const auto& r : {std::pair(-1, 2), std::pair(0, 0), std::pair(3, 3)})
+    EXPECT_EQ(BadParametersText([&] { owned.Mid(r.first, r.second); }), where + "Mid" + range);
 }
 
-TEST(String, FindKeepsItsRulesForK) {
+TEST(String, FindAndCompare) {
   const zrString s("abcabc");
   EXPECT_TRUE(s.Find('c') == 2 && s.Find('c', 3) == 5 && s.Find('x') == -1);
-  EXPECT_EQ(s.Find('c', 6), -1);
-  EXPECT_EQ(s.Find('c', 10), 10);  // kept: beyond the length k comes back
+  EXPECT_TRUE(s.Find('c', 6) == -1 && s.Find('c', 10) == 10);  // kept: beyond the length, k
   EXPECT_TRUE(s.Find(zrString("bc"), 2) == 4 && s.Find(zrString("abcabcd")) == -1);
   EXPECT_EQ(s.Find(zrString("bc"), 10), -1);
   EXPECT_TRUE(s.Find(zrString(), 6) == 6 && s.Find(zrString(), 7) == -1);
@@ -173,21 +131,18 @@ TEST(String, FindKeepsItsRulesForK) {
             "Invalid parameters : zrString::Find:char: k < 0 ");
   EXPECT_EQ(BadParametersText([&] { s.Find(zrString("a"), -1); }),
             "Invalid parameters : zrString::Find:str: k < 0 ");
-}
 
-TEST(String, ComparesWithStringsAndCStrings) {
   const zrString ab("ab");
   EXPECT_TRUE(ab == "ab" && ab != "a" && ab != "abc" && zrString() == "" && zrString() == nullptr);
   // A zero byte inside never equals a C string.
   EXPECT_TRUE(zrString("a\0b", 3) != "a" && zrString("a\0", 2) != "a");
-
-  EXPECT_EQ(ab == zrString("abc"), 0);
-  EXPECT_EQ(ab < zrString("abc"), 1);              // a prefix is less
-  EXPECT_EQ(zrString("\xE9") < zrString("a"), 1);  // signed bytes
+  EXPECT_TRUE(ab < zrString("abc") && !(ab == zrString("abc")));  // a prefix is less
+  EXPECT_EQ(zrString("\xE9") < zrString("a"), 1);                 // signed bytes
   EXPECT_TRUE(zrString("abd") > zrString("abc") && ab <= ab && !(ab >= zrString("b")));
 }
 
-TEST(String, GetCStringAddsTheZeroOnlyWhenItIsMissing) {
+// GetCString adds the zero only when it is missing; counting, joining and the flat form.
+TEST(String, CStringJoinsAndFlatForm) {
   zrString block(4);
   std::memcpy(block.GetPointer(), "abc", 4);  // the zero included
   zrString window;
@@ -202,16 +157,11 @@ TEST(String, GetCStringAddsTheZeroOnlyWhenItIsMissing) {
   EXPECT_STREQ(block.GetPointer(), "abc");
 
   zrString view("xyz");  // no block: copied, with the zero
-  EXPECT_STREQ(view.GetCString(), "xyz");
-  EXPECT_EQ(BlockCount(view), 4);
+  EXPECT_TRUE(std::strcmp(view.GetCString(), "xyz") == 0 && BlockCount(view) == 4);
   block.ReSet(3);  // no room: the byte after the block is not looked at
-  EXPECT_STREQ(block.GetCString(), "abc");
-  EXPECT_EQ(BlockCount(block), 4);
-  zrString empty;
-  EXPECT_STREQ(empty.GetCString(), "");
-}
+  EXPECT_TRUE(std::strcmp(block.GetCString(), "abc") == 0 && BlockCount(block) == 4);
+  EXPECT_STREQ(zrString().GetCString(), "");
 
-TEST(String, CountsLineFeedsAndJoins) {
   EXPECT_EQ(zrString("a\nb\nc").GetNumberOfString(), 2);
   EXPECT_TRUE(zrString("\n\n\n").GetNumberOfString() == 3 && zrString().GetNumberOfString() == 0);
 
@@ -220,12 +170,10 @@ TEST(String, CountsLineFeedsAndJoins) {
   EXPECT_NE(s.GetMem(), nullptr);
   s += s;
   EXPECT_EQ(s, "abcabc");
-  EXPECT_EQ(zrString("ab") + zrString("cd"), "abcd");
 
   // The flat form is the array's: the length, then the bytes, no zero.
   unsigned char buffer[8] = {};
-  EXPECT_EQ(zrMemSize(zrString("ab")), 6);
-  EXPECT_EQ(zrToMem(buffer, zrString("ab")), 6);
+  EXPECT_TRUE(zrMemSize(zrString("ab")) == 6 && zrToMem(buffer, zrString("ab")) == 6);
   EXPECT_EQ(std::memcmp(buffer, "\2\0\0\0ab\0", 8), 0);
   zrString back;
   EXPECT_TRUE(zrFromMem(buffer, back) == 6 && back == "ab");
@@ -233,38 +181,29 @@ TEST(String, CountsLineFeedsAndJoins) {
 
 TEST(String, TokenizeViewsTheSourceAndReusesItsOutput) {
   const std::vector<char> chars = Exact(",,a,;,bc\xFF");
-  const zrString s = View(chars);
   zrSimpleArray<zrString> out;
-  s.Tokenize(out, zrString(",;\xFF"));
+  View(chars).Tokenize(out, zrString(",;\xFF"));
   ASSERT_EQ(out.Len(), 2);
-  EXPECT_EQ(out[0].GetPointer(), chars.data() + 2);
-  EXPECT_TRUE(out[1] == "bc" && out[1].GetMem() == nullptr);
+  EXPECT_TRUE(out[0].GetPointer() == chars.data() + 2 && out[1] == "bc" && !out[1].GetMem());
 
   zrString* const strings = out.GetPointer();
   zrString(" x y").Tokenize(out, zrString(" "));  // same count: the same elements
-  EXPECT_EQ(out.GetPointer(), strings);
-  EXPECT_TRUE(out[0] == "x" && out[1] == "y");
+  EXPECT_TRUE(out.GetPointer() == strings && out[0] == "x" && out[1] == "y");
 
-  const char nul = 0;
-  zrString("a\0b", 3).Tokenize(out, zrString(&nul, 1));
+  zrString("a\0b", 3).Tokenize(out, zrString("\0", 1));
   EXPECT_TRUE(out.Len() == 2 && out[1] == "b");
   zrString(",,,").Tokenize(out, zrString(","));
   EXPECT_TRUE(out.Len() == 0 && out.GetMem() == nullptr);
   zrString("abc").Tokenize(out, zrString());
   EXPECT_TRUE(out.Len() == 1 && out[0] == "abc");
-}
 
-TEST(String, EditingAnArrayOfTokensLeavesTheirTextAlone) {
+  // Editing an array of tokens exchanges them, never assigns one over another.
   char text[] = "ab,cd,ef";
-  zrSimpleArray<zrString> out;
   zrString(text).Tokenize(out, zrString(","));
   out.InverseOrder();
   out.CycleLeftShift(1);
   out.Insert(zrString("xy"), 1);
   out.Remove(0);
-  EXPECT_STREQ(text, "ab,cd,ef");  // tokens were exchanged, never assigned over each other
-  ASSERT_EQ(out.Len(), 3);
-  EXPECT_TRUE(out[0] == "xy");
-  EXPECT_TRUE(out[1] == "ab");
-  EXPECT_TRUE(out[2] == "ef");
+  EXPECT_STREQ(text, "ab,cd,ef");
+  EXPECT_TRUE(out.Len() == 3 && out[0] == "xy" && out[1] == "ab" && out[2] == "ef");
 }
