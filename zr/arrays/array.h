@@ -166,6 +166,8 @@ class ZR_API zrArray : public zrSimpleArray<T> {
   int FromMem(const unsigned char* buffer) override;
 
  private:
+  // A window of zrSimpleArray<T> handed over into a zrArray<T> without a copy.
+  static zrArray FromWindow(zrSimpleArray<T>&& window);
   // A new array of this array's length with element i = f(element i, other's element i);
   // lengths must be equal ("Different range").
   template <class F>

@@ -25,29 +25,26 @@ ZR_DEFINE_TYPE_IDENTITY_WITH(template <class T>, zrArray<T>, "zrArray")
 template <class T>
 zrArray<T>::~zrArray() = default;
 
-// The windows of zrSimpleArray<T>, handed over into a zrArray<T> without a copy.
 template <class T>
-zrArray<T> zrArray<T>::Left(int n) const {
-  zrSimpleArray<T> window = zrSimpleArray<T>::Left(n);
+zrArray<T> zrArray<T>::FromWindow(zrSimpleArray<T>&& window) {
   zrArray result;
   result.Move(window);
   return result;
+}
+
+template <class T>
+zrArray<T> zrArray<T>::Left(int n) const {
+  return FromWindow(zrSimpleArray<T>::Left(n));
 }
 
 template <class T>
 zrArray<T> zrArray<T>::Right(int n) const {
-  zrSimpleArray<T> window = zrSimpleArray<T>::Right(n);
-  zrArray result;
-  result.Move(window);
-  return result;
+  return FromWindow(zrSimpleArray<T>::Right(n));
 }
 
 template <class T>
 zrArray<T> zrArray<T>::Mid(int start, int count) const {
-  zrSimpleArray<T> window = zrSimpleArray<T>::Mid(start, count);
-  zrArray result;
-  result.Move(window);
-  return result;
+  return FromWindow(zrSimpleArray<T>::Mid(start, count));
 }
 
 // The compound and binary operators, one set per arithmetic operator. The loops run over

@@ -163,13 +163,14 @@ class ZR_API zrInternalList2k : public zrList2kHead {
 // value type of its own; the library instantiates them for zrSimpleGraphNodeHead*
 // (zr/graph/simple_graph.h). Copies follow their link: alone, with the value copied.
 
-/// A heap node carrying a value into a singly linked ring.
+namespace zr::detail {
+
+// The value a list node carries, value-initialised by default.
 template <class T>
-class ZR_API zrSimpleList1k : public zrList1kHead {
-  ZR_TYPE_IDENTITY
+class NodeValue {
  public:
-  zrSimpleList1k() : value_() {}
-  explicit zrSimpleList1k(const T& value) : value_(value) {}
+  NodeValue() : value_() {}
+  explicit NodeValue(const T& value) : value_(value) {}
 
   T& GetValue() { return value_; }
   const T& GetValue() const { return value_; }
@@ -179,20 +180,24 @@ class ZR_API zrSimpleList1k : public zrList1kHead {
   T value_;
 };
 
-/// A heap node carrying a value into a doubly linked ring.
+}  // namespace zr::detail
+
+/// A heap node carrying a value into a singly linked ring.
 template <class T>
-class ZR_API zrSimpleList2k : public zrList2kHead {
+class ZR_API zrSimpleList1k : public zrList1kHead, public zr::detail::NodeValue<T> {
   ZR_TYPE_IDENTITY
  public:
-  zrSimpleList2k() : value_() {}
-  explicit zrSimpleList2k(const T& value) : value_(value) {}
+  zrSimpleList1k() = default;
+  explicit zrSimpleList1k(const T& value) : zr::detail::NodeValue<T>(value) {}
+};
 
-  T& GetValue() { return value_; }
-  const T& GetValue() const { return value_; }
-  void SetValue(const T& value) { value_ = value; }
-
- private:
-  T value_;
+/// A heap node carrying a value into a doubly linked ring.
+template <class T>
+class ZR_API zrSimpleList2k : public zrList2kHead, public zr::detail::NodeValue<T> {
+  ZR_TYPE_IDENTITY
+ public:
+  zrSimpleList2k() = default;
+  explicit zrSimpleList2k(const T& value) : zr::detail::NodeValue<T>(value) {}
 };
 
 /// A first-in first-out queue of values. The queue is the head of a singly linked ring of

@@ -228,8 +228,9 @@ class ZR_API zrVector : public zrPArray {
   int FromMem(const unsigned char* buffer) override;
 
  private:
-  // A fresh block of n >= 1 elements with step 1; the old block is released after.
-  void Fresh(int n);
+  // A fresh block of n >= 1 elements with step 1, the first keep copied from the
+  // current ones; the old block is released after.
+  void Fresh(int n, int keep = 0);
   void CheckLength(const zrVector& other) const;
 
   T* p_ = nullptr;  // element 0 of the window; null for an empty vector

@@ -122,9 +122,10 @@ int zrVector<T>::IsLine() const {
 }
 
 template <class T>
-void zrVector<T>::Fresh(int n) {
+void zrVector<T>::Fresh(int n, int keep) {
   T* block = nullptr;
   zrNewWithRef(block, n);  // holder count 1: ours
+  for (int i = 0; i < keep; ++i) block[i] = (*this)[i];
   void* const old = GetMem();
   InitMem(block);
   zrDeleteWithRef(static_cast<T*>(old));
@@ -158,16 +159,7 @@ void zrVector<T>::ReSet(int n) {
     n_ = 0;
     return;
   }
-  T* block = nullptr;
-  zrNewWithRef(block, n);
-  const int keep = n < n_ ? n : n_;
-  for (int i = 0; i < keep; ++i) block[i] = (*this)[i];
-  void* const old = GetMem();
-  InitMem(block);
-  zrDeleteWithRef(static_cast<T*>(old));
-  p_ = block;
-  n_ = n;
-  step_ = 1;
+  Fresh(n, n < n_ ? n : n_);
 }
 
 template <class T>
