@@ -31,7 +31,10 @@
 ///
 /// Flat form: the length as a signed 32-bit little-endian integer, then the elements in
 /// index order, each in its native representation: 4 + Len() * sizeof(T) bytes. The byte
-/// counts are 32-bit ints, so a form of 2 GiB or more cannot be described.
+/// counts are 32-bit ints, so a form of 2 GiB or more cannot be described. The checked
+/// reader zrFromMem(buffer, size, array) (zr/core/serialize.h) refuses a negative length
+/// and a length whose elements do not fit in size; it serves the classes that keep this
+/// form (zrString, the curves and contours, zrRoundArrayND) as well.
 ///
 /// The library instantiates the template for the types of ZR_ARRAY_TYPES; a program
 /// may instantiate it for a type of its own by including zr/arrays/array_impl.h.
@@ -186,3 +189,14 @@ class ZR_API zrArray : public zrSimpleArray<T> {
 
 #define ZR_DETAIL_EXTERN_ARRAY(T) ZR_EXTERN_TEMPLATE(class, zrArray<T>);
 ZR_ARRAY_TYPES(ZR_DETAIL_EXTERN_ARRAY)
+
+namespace zr::detail {
+// The walk of the checked reader (zr/core/serialize.h): a length of 0 or more and that
+// many elements. It serves every class whose form is the array's (strings, curves).
+template <class T>
+bool FlatWalk(FlatCursor& cursor, const zrArray<T>&) {
+  std::int32_t n = 0;
+  return cursor.ReadCount(n) && n >= 0 &&
+         cursor.SkipItems(static_cast<std::uint64_t>(n), sizeof(T));
+}
+}  // namespace zr::detail

@@ -167,6 +167,14 @@ inline int zrToMem(unsigned char* buffer, const zrTransformCoord3D& t) { return 
 inline int zrFromMem(const unsigned char* buffer, zrTransformCoord3D& t) {
   return t.FromMem(buffer);
 }
+namespace zr::detail {
+inline bool FlatWalk(FlatCursor& cursor, const zrTransformCoord2D& t) {
+  return FixedFlatWalk(cursor, t);
+}
+inline bool FlatWalk(FlatCursor& cursor, const zrTransformCoord3D& t) {
+  return FixedFlatWalk(cursor, t);
+}
+}  // namespace zr::detail
 
 /// zrTransformCoord: the coordinates of plane points in the frame of a ruler.
 ///

@@ -68,7 +68,10 @@
 ///
 /// Flat form: rows and columns as signed 32-bit little-endian integers, then the elements
 /// row by row, each row from column 0, packed in their raw form: 8 + rows * cols *
-/// sizeof(TT) bytes. FromMem re-creates the matrix stored by rows.
+/// sizeof(TT) bytes. FromMem re-creates the matrix stored by rows; a form with a size of 0
+/// reads as the empty matrix, which writes itself back as 0 x 0. The checked reader
+/// zrFromMem(buffer, size, matrix) (zr/core/serialize.h) refuses a negative size and
+/// sizes whose elements do not fit in size or in the 32-bit byte count.
 ///
 /// The template parameter is TT because T() is a member.
 #pragma once
@@ -227,6 +230,19 @@ class ZR_API zrMatrix : public zrPArray {
 
 #define ZR_DETAIL_EXTERN_MATRIX(T) ZR_EXTERN_TEMPLATE(class, zrMatrix<T>);
 ZR_LINALG_TYPES(ZR_DETAIL_EXTERN_MATRIX)
+
+namespace zr::detail {
+// The walk of the checked reader (zr/core/serialize.h): two sizes of 0 or more, then
+// rows * cols elements of the element's fixed form (none when either size is 0).
+template <class TT>
+bool FlatWalk(FlatCursor& cursor, const zrMatrix<TT>&) {
+  std::int32_t rows = 0;
+  std::int32_t cols = 0;
+  if (!cursor.ReadCount(rows) || !cursor.ReadCount(cols) || rows < 0 || cols < 0) return false;
+  const std::uint64_t n = static_cast<std::uint64_t>(rows) * static_cast<std::uint64_t>(cols);
+  return cursor.SkipItems(n, static_cast<std::uint64_t>(zrMemSize(TT{})));
+}
+}  // namespace zr::detail
 
 /// Arrays of matrices. Copying such an array copies the elements' values into new
 /// matrices; moving elements inside it exchanges handles.

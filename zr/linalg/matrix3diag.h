@@ -122,7 +122,10 @@ class ZR_API zrMatrix3Diag : public zrUsingNew {
 
   /// The flat form: Up, Diag, Down one after another, each in the vector's form
   /// (4-byte length, then the elements packed). For a well-formed matrix MemSize is
-  /// 2 * Up's size + Diag's size. FromMem gives every diagonal fresh storage.
+  /// 2 * Up's size + Diag's size. FromMem gives every diagonal fresh storage and takes
+  /// the lengths as they come. The checked reader zrFromMem(buffer, size, matrix)
+  /// (zr/core/serialize.h) also refuses a form whose Up or Down has another length than
+  /// a well-formed matrix's (a negative length counts as 0).
   int MemSize() const;
   int ToMem(unsigned char* buffer) const;
   int FromMem(const unsigned char* buffer);
@@ -220,3 +223,18 @@ inline int zrToMem(unsigned char* buffer, const zrMatrix3Diag<double>& m) {
 inline int zrFromMem(const unsigned char* buffer, zrMatrix3Diag<double>& m) {
   return m.FromMem(buffer);
 }
+
+namespace zr::detail {
+// The walk of the checked reader: three vector forms whose lengths make a well-formed
+// matrix, Up and Down of n - 1 elements for a Diag of n (none for n <= 1).
+inline bool FlatWalk(FlatCursor& cursor, const zrMatrix3Diag<double>&) {
+  std::int32_t len[3] = {0, 0, 0};
+  for (std::int32_t& n : len) {
+    if (!cursor.ReadCount(n)) return false;
+    if (n < 1) n = 0;
+    if (!cursor.SkipItems(static_cast<std::uint64_t>(n), sizeof(double))) return false;
+  }
+  const std::int32_t side = len[1] > 1 ? len[1] - 1 : 0;
+  return len[0] == side && len[2] == side;
+}
+}  // namespace zr::detail

@@ -107,6 +107,9 @@ inline int zrFromMem(const unsigned char* buffer, zrMatrix2x2& m) {
   for (int i = 0; i < 4; ++i) n += zr::detail::RawFromMem(buffer + n, m.GetPointer()[i]);
   return n;
 }
+namespace zr::detail {
+inline bool FlatWalk(FlatCursor& cursor, const zrMatrix2x2& v) { return FixedFlatWalk(cursor, v); }
+}  // namespace zr::detail
 
 template <class T>
 class ZR_API zrTMatrix3x3 {

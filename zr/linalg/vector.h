@@ -48,7 +48,10 @@
 ///
 /// Flat form: the length as a signed 32-bit little-endian integer, then the elements in
 /// index order, packed, each in its raw form (8, 16 or 24 bytes): 4 + n * sizeof(T)
-/// bytes. A window is written packed; FromMem always reads into fresh storage.
+/// bytes. A window is written packed; FromMem always reads into fresh storage. A length
+/// below 1 reads as the empty vector, which writes itself back with length 0. The checked
+/// reader zrFromMem(buffer, size, vector) (zr/core/serialize.h) refuses a length whose
+/// elements do not fit in size; it serves zrColumnVector, zrLineVector and zrPolynom too.
 ///
 /// The library instantiates the vector for ZR_LINALG_TYPES; a program may instantiate it
 /// for a type of its own by including zr/linalg/vector_impl.h.
@@ -248,3 +251,16 @@ class ZR_API zrVector : public zrPArray {
 
 #define ZR_DETAIL_EXTERN_VECTOR(T) ZR_EXTERN_TEMPLATE(class, zrVector<T>);
 ZR_LINALG_TYPES(ZR_DETAIL_EXTERN_VECTOR)
+
+namespace zr::detail {
+// The walk of the checked reader (zr/core/serialize.h): a length below 1 is the empty
+// vector's and stands alone; otherwise that many elements of the element's fixed form.
+// It serves the row and column vectors and the polynomial too.
+template <class T>
+bool FlatWalk(FlatCursor& cursor, const zrVector<T>&) {
+  std::int32_t n = 0;
+  if (!cursor.ReadCount(n)) return false;
+  return n < 1 || cursor.SkipItems(static_cast<std::uint64_t>(n),
+                                   static_cast<std::uint64_t>(zrMemSize(T{})));
+}
+}  // namespace zr::detail

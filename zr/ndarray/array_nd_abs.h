@@ -25,7 +25,11 @@
 ///
 /// Flat form: the sizes only, as a zrArray<int> (a 4-byte count, then the sizes); strides
 /// are never written. FromMem reads the sizes and calls Init, so a strided or flipped
-/// array reads back dense.
+/// array reads back dense. The checked reader zrFromMem(buffer, size, array)
+/// (zr/core/serialize.h) walks the form of the typed array behind it, the sizes and
+/// then Size elements of GetSizeOfType() bytes, and refuses what Init would refuse: a
+/// negative size, a running product of the sizes above INT_MAX, and an empty list of
+/// sizes read into an array that has dimensions.
 ///
 /// Strides passed explicitly must have as many entries as the sizes ("Different
 /// dimension" otherwise). The mask hooks (GetCurMask and the two after it) select every
@@ -175,3 +179,22 @@ class ZR_API zrArrayNDAbs : public zrPArray {
   int size_ = 0;          // number of elements
   bool con_ = true;       // a single flat loop reaches every element
 };
+
+namespace zr::detail {
+// The walk of the checked reader (zr/core/serialize.h) for every N-dimensional array:
+// the sizes, checked as Init checks them, then the elements of the typed array.
+inline bool FlatWalk(FlatCursor& cursor, const zrArrayNDAbs& array) {
+  std::int32_t dims = 0;
+  if (!cursor.ReadCount(dims) || dims < 0) return false;
+  // No sizes: Init keeps an array without dimensions and refuses to empty one with them.
+  if (dims == 0) return array.GetDim() == 0;
+  std::uint64_t size = 1;
+  for (std::int32_t k = 0; k < dims; ++k) {
+    std::int32_t n = 0;
+    if (!cursor.ReadCount(n) || n < 0) return false;
+    size *= static_cast<std::uint64_t>(n);  // both below 2^31: no overflow
+    if (size > static_cast<std::uint64_t>(INT32_MAX)) return false;
+  }
+  return cursor.SkipItems(size, static_cast<std::uint64_t>(array.GetSizeOfType()));
+}
+}  // namespace zr::detail

@@ -128,3 +128,6 @@ inline int zrToMem(unsigned char* buffer, const zrComplex& c) {
 inline int zrFromMem(const unsigned char* buffer, zrComplex& c) {
   return zr::detail::PairFromMem(buffer, c.Re(), c.Im());
 }
+namespace zr::detail {
+inline bool FlatWalk(FlatCursor& cursor, const zrComplex& v) { return FixedFlatWalk(cursor, v); }
+}  // namespace zr::detail

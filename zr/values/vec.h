@@ -100,6 +100,9 @@ inline int zrToMem(unsigned char* buffer, const zrVec2& v) {
 inline int zrFromMem(const unsigned char* buffer, zrVec2& v) {
   return zr::detail::PairFromMem(buffer, v.X(), v.Y());
 }
+namespace zr::detail {
+inline bool FlatWalk(FlatCursor& cursor, const zrVec2& v) { return FixedFlatWalk(cursor, v); }
+}  // namespace zr::detail
 
 template <class T>
 class ZR_API zrTVec3 {
@@ -224,3 +227,8 @@ inline int zrFromMem(const unsigned char* buffer, zrTVec3<double>& v) {
   n += zr::detail::RawFromMem(buffer + n, v.Y());
   return n + zr::detail::RawFromMem(buffer + n, v.Z());
 }
+namespace zr::detail {
+inline bool FlatWalk(FlatCursor& cursor, const zrTVec3<double>& v) {
+  return FixedFlatWalk(cursor, v);
+}
+}  // namespace zr::detail
