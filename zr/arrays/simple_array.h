@@ -18,7 +18,9 @@
 ///
 /// Growth is exact: there is no spare capacity, and each length change makes a block of
 /// exactly the new length (a sole owner of trivially copyable elements may have its block
-/// resized where it lies instead of copied).
+/// resized where it lies instead of copied). A length that grows past INT_MAX (Insert,
+/// push_back, Concat, Replace, Fusion) is an allocation that cannot be made: it throws
+/// zrErrNoMemory with the byte count of that block, and the array is left as it was.
 ///
 /// Elements of class type are default-constructed with their block and destroyed with it;
 /// they are copied with their own assignment. Elements of trivial types are left

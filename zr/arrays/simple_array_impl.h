@@ -5,6 +5,7 @@
 #pragma once
 
 #include <algorithm>
+#include <cstdint>
 #include <cstring>
 #include <type_traits>
 #include <utility>
@@ -317,7 +318,7 @@ zrSimpleArray<T> zrSimpleArray<T>::Mid(int start, int count) const {
 
 template <class T>
 int zrSimpleArray<T>::Insert(T value, int pos) {
-  ReSet(n_ + 1);
+  ReSet(zr::detail::GrownLength(std::int64_t{n_} + 1, sizeof(T)));
   zr::detail::MoveElement(p_, n_ - 1, pos);  // the new last element goes to pos
   p_[pos] = value;
   return pos;
@@ -357,7 +358,7 @@ template <class T>
 void zrSimpleArray<T>::push_back(const T& value) {
   // value may be an element, and the storage is about to move.
   const T v = value;  // NOLINT(performance-unnecessary-copy-initialization)
-  ReSet(n_ + 1);
+  ReSet(zr::detail::GrownLength(std::int64_t{n_} + 1, sizeof(T)));
   p_[n_ - 1] = v;
 }
 
@@ -366,7 +367,7 @@ void zrSimpleArray<T>::Concat(const zrSimpleArray& other) {
   const int old = n_;
   const int m = other.n_;
   if (m == 0) return;
-  ReSet(old + m);
+  ReSet(zr::detail::GrownLength(std::int64_t{old} + m, sizeof(T)));
   // other's elements are still where other points (for other == this, at the front of
   // the new block).
   zr::detail::CopyForward(p_ + old, other.p_, m);
@@ -383,7 +384,7 @@ void zrSimpleArray<T>::Replace(int start, int count, const zrSimpleArray& other)
     return;
   }
   const int m = other.n_;
-  const int length = n_ - count + m;
+  const int length = zr::detail::GrownLength(std::int64_t{n_} - count + m, sizeof(T));
   if (m < count) {
     zr::detail::RotateLeft(p_ + start + m, p_ + start + count, p_ + n_);
     ReSet(length);
@@ -483,7 +484,7 @@ template <class T>
 bool zrSimpleArray<T>::Fusion(const zrSimpleArray& a, const zrSimpleArray& b, CompareFunction cmp,
                               bool keepEqual, int mode) {
   zrSimpleArray result;
-  const int total = a.n_ + b.n_;
+  const int total = zr::detail::GrownLength(std::int64_t{a.n_} + b.n_, sizeof(T));
   if (total == 0) {
     Clear();
     return false;

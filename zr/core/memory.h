@@ -64,6 +64,14 @@ ZR_API void FreeBlock(const void* user) noexcept;
 
 [[noreturn]] ZR_API void ThrowNewWithRefCount();
 
+// A block length grown by a sum the caller computes in 64 bits: past the 32-bit length
+// it is a block that cannot be made, refused with the byte count it would take.
+inline std::int32_t GrownLength(std::int64_t length, std::uint64_t size) {
+  if (length > INT32_MAX)
+    throw zrErrNoMemory(static_cast<std::uint64_t>(length) * size + kBlockHeader);
+  return static_cast<std::int32_t>(length);
+}
+
 }  // namespace zr::detail
 
 /// Makes a block of n elements, stores its user pointer in p and returns it. Elements of

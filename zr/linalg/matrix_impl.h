@@ -482,7 +482,7 @@ int zrMatrix<TT>::NegativeLength() const {
 
 template <class TT>
 int zrMatrix<TT>::MemSize() const {
-  return rows_ * cols_ * static_cast<int>(sizeof(TT)) + 8;
+  return static_cast<int>(std::int64_t{rows_} * cols_ * static_cast<std::int64_t>(sizeof(TT)) + 8);
 }
 
 template <class TT>

@@ -44,7 +44,9 @@
 /// "Out of range" for Remove/erase/pop_front of a missing element and for Insert outside
 /// 0 ... length, "zrVector<T>::Left: Out of Range" (Right, Mid likewise) for a bad
 /// window, "zrNewWithRef : n <= 0 " for a negative size. Nothing is changed when they are
-/// thrown. Element access, Set with a range and the scalar operators check nothing.
+/// thrown. An edit that would grow the length past INT_MAX (insert, push_back, Concat)
+/// throws zrErrNoMemory with the byte count of that block and changes nothing either. Element
+/// access, Set with a range and the scalar operators check nothing.
 ///
 /// Flat form: the length as a signed 32-bit little-endian integer, then the elements in
 /// index order, packed, each in its raw form (8, 16 or 24 bytes): 4 + n * sizeof(T)

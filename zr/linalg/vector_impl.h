@@ -259,7 +259,7 @@ void zrVector<T>::Mid(zrVector& out, int start, int n) const {
 template <class T>
 int zrVector<T>::Insert(T value, int pos) {
   if (pos < 0 || pos > n_) throw BadParameters("Out of range");
-  ReSet(n_ + 1);
+  ReSet(zr::detail::GrownLength(std::int64_t{n_} + 1, sizeof(T)));
   for (int i = n_ - 1; i > pos; --i) p_[i] = p_[i - 1];
   p_[pos] = value;
   return pos;
@@ -301,7 +301,7 @@ T* zrVector<T>::erase(T* where) {
 template <class T>
 void zrVector<T>::push_back(const T& value) {
   const T v = value;  // value may be an element, and the storage is about to move
-  ReSet(n_ + 1);
+  ReSet(zr::detail::GrownLength(std::int64_t{n_} + 1, sizeof(T)));
   p_[n_ - 1] = v;
 }
 
@@ -310,7 +310,7 @@ void zrVector<T>::Concat(const zrVector& other) {
   const int m = other.n_;
   if (m == 0) return;
   const int old = n_;
-  ReSet(old + m);
+  ReSet(zr::detail::GrownLength(std::int64_t{old} + m, sizeof(T)));
   // other still views its elements (for other == this, the front of the new block).
   for (int i = 0; i < m; ++i) p_[old + i] = other[i];
 }
@@ -420,7 +420,7 @@ int zrVector<T>::NegativeLength() const {
 
 template <class T>
 int zrVector<T>::MemSize() const {
-  return 4 + n_ * static_cast<int>(sizeof(T));
+  return static_cast<int>(4 + std::int64_t{n_} * static_cast<std::int64_t>(sizeof(T)));
 }
 
 template <class T>

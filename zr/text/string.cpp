@@ -58,7 +58,7 @@ char* zrString::GetCString() {
     const std::int64_t end = (p - static_cast<const char*>(block)) + std::int64_t{n};
     if (end < zr::detail::BlockCount(block) && p[n] == 0) return p;
   }
-  ReSet(n + 1);
+  ReSet(zr::detail::GrownLength(std::int64_t{n} + 1, 1));
   GetPointer()[n] = 0;
   SetSubWindow(*this, 0, n);  // same block: only the length goes back
   return GetPointer();
@@ -128,8 +128,7 @@ int zrString::operator>=(const zrString& other) const { return Compare(other) >=
 zrString zrString::GetUnion(const zrString& b) const {
   const int n = Len();
   const int m = b.Len();
-  // A sum beyond the int range wraps negative and is refused by the allocation.
-  zrString u(static_cast<int>(std::int64_t{n} + m));
+  zrString u(zr::detail::GrownLength(std::int64_t{n} + m, 1));
   if (n > 0) std::memcpy(u.GetPointer(), GetPointer(), static_cast<std::size_t>(n));
   if (m > 0) std::memcpy(u.GetPointer() + n, b.GetPointer(), static_cast<std::size_t>(m));
   return u;

@@ -112,6 +112,8 @@ class ZR_API zrString : public zrArray<char> {
   int operator>=(const zrString& other) const;
 
   /// A new string owning this string's characters followed by b's (empty when both are).
+  /// A total beyond INT_MAX characters is a block that cannot be made: zrErrNoMemory
+  /// with its byte count (the total plus the 8-byte block header).
   zrString GetUnion(const zrString& b) const;
   zrString operator+(const zrString& b) const;
   /// This string becomes GetUnion(b): it takes the union's private block over, so sharers

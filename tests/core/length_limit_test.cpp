@@ -1,0 +1,76 @@
+// Edits that would grow a length past INT_MAX: the sum is taken in 64 bits and the
+// block it asks for is refused as an allocation that cannot be made, before anything is
+// read, allocated or changed. The long operands are views of a few real elements (a
+// step of 0 for the vector), so nothing large is ever allocated.
+#include <gtest/gtest.h>
+
+#include <climits>
+#include <cstdint>
+
+#include "support/test_support.h"
+#include "zr/zr.h"
+
+namespace {
+
+constexpr std::uint64_t kOnePast = std::uint64_t{INT_MAX} + 1;
+
+template <class F>
+std::string NoMemory(F&& f) {
+  try {
+    f();
+  } catch (const zrErrNoMemory& e) {
+    return e.GetMessageText();
+  }
+  ADD_FAILURE() << "zrErrNoMemory was not thrown";
+  return {};
+}
+
+}  // namespace
+
+TEST(LengthLimit, ArrayGrowthPastIntMaxIsRefusedUnchanged) {
+  double cell[2] = {1, 2};
+  zrSimpleArray<double> huge;
+  huge.SetDirectly(cell, INT_MAX);
+  const zrSimpleArray<double> one(1, 5.0);
+  const std::string text = zr_test::NoMemoryText(kOnePast * sizeof(double) + 8);
+
+  EXPECT_EQ(NoMemory([&] { huge.push_back(3.0); }), text);
+  EXPECT_EQ(NoMemory([&] { huge.Insert(3.0, 0); }), text);
+  EXPECT_EQ(NoMemory([&] { huge.Concat(one); }), text);
+  EXPECT_EQ(NoMemory([&] { huge.Replace(0, 0, one); }), text);
+  EXPECT_EQ(huge.Len(), INT_MAX);
+  EXPECT_EQ(huge.GetPointer(), cell);
+
+  zrSimpleArray<double> half;
+  half.SetDirectly(cell, INT_MAX / 2 + 1);
+  zrSimpleArray<double> merged;
+  const auto cmp = [](const double& a, const double& b) { return a < b ? -1 : a > b ? 1 : 0; };
+  EXPECT_EQ(NoMemory([&] { merged.Fusion(half, half, cmp, true, 0); }), text);
+  EXPECT_EQ(merged.Len(), 0);
+}
+
+TEST(LengthLimit, VectorGrowthPastIntMaxIsRefusedUnchanged) {
+  zrTVec3<double> cell(1, 2, 3);
+  zrVector<zrTVec3<double>> huge;
+  huge.SetDirectly(&cell, INT_MAX, 0);
+  zrVector<zrTVec3<double>> one(1);
+  one[0] = cell;
+  const std::string text = zr_test::NoMemoryText(kOnePast * sizeof(cell) + 8);
+
+  EXPECT_EQ(NoMemory([&] { huge.push_back(cell); }), text);
+  EXPECT_EQ(NoMemory([&] { huge.Concat(one); }), text);
+  EXPECT_EQ(NoMemory([&] { huge.Insert(cell, 0); }), text);
+  EXPECT_EQ(huge.Len(), INT_MAX);
+}
+
+TEST(LengthLimit, StringUnionAndTerminatorPastIntMaxAreRefused) {
+  static const char text[] = "ab";
+  const zrString huge(text, INT_MAX);  // a view: nothing is read beyond what is used
+  const zrString one(text, 1);
+  EXPECT_EQ(NoMemory([&] { (void)huge.GetUnion(one); }), zr_test::NoMemoryText(kOnePast + 8));
+  EXPECT_EQ(NoMemory([&] { (void)(huge + huge); }),
+            zr_test::NoMemoryText(2 * std::uint64_t{INT_MAX} + 8));
+  zrString s(text, INT_MAX);
+  EXPECT_EQ(NoMemory([&] { s.GetCString(); }), zr_test::NoMemoryText(kOnePast + 8));
+  EXPECT_EQ(s.GetPointer(), text);
+}
