@@ -74,3 +74,27 @@ TEST(LengthLimit, StringUnionAndTerminatorPastIntMaxAreRefused) {
   EXPECT_EQ(NoMemory([&] { s.GetCString(); }), zr_test::NoMemoryText(kOnePast + 8));
   EXPECT_EQ(s.GetPointer(), text);
 }
+
+TEST(LengthLimit, NeighbourTablesPastIntMaxAreRefusedBeforeTheyOverflow) {
+  // The product of the apertures once wrapped to a small table that was then overrun.
+  zrArray<int> tab(2);
+  tab[0] = 1;
+  tab[1] = 65536;
+  zrArray<int> aperture(2);
+  aperture[0] = 65536;
+  aperture[1] = 65537;
+  zrArray<int> out(3, 7);
+  EXPECT_EQ(NoMemory([&] { zrArrayNDAbs::MkTabForAp(tab, aperture, out); }),
+            zr_test::NoMemoryText(65536ull * 65537 * sizeof(int) + 8));
+  EXPECT_EQ(out.Len(), 3);
+  aperture[1] = 0;  // an empty aperture still empties the table, whatever the others
+  zrArrayNDAbs::MkTabForAp(tab, aperture, out);
+  EXPECT_EQ(out.Len(), 0);
+
+  // 3^21 entries for 21 dimensions: refused at 3^20, the first power past INT_MAX.
+  const zrArray<int> ones(21, 1);
+  std::uint64_t power = 1;
+  for (int k = 0; k < 20; ++k) power *= 3;
+  EXPECT_EQ(NoMemory([&] { zrArrayNDAbs::Rcurs2(ones, out); }),
+            zr_test::NoMemoryText(power * sizeof(int) + 8));
+}

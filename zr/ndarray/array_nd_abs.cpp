@@ -10,8 +10,14 @@ namespace {
 // The offsets sum(dk * tab[k]) for dk in [low, low + count[k]), dimension 0 fastest.
 void BoxOffsets(const zrArray<int>& tab, const int* low, const int* count, zrArray<int>& out) {
   const int n = tab.Len();
+  // A count below 1 empties the table; otherwise the product is refused as soon as it
+  // passes the 32-bit length, before it can overflow.
   std::int64_t total = 1;
-  for (int k = 0; k < n; ++k) total *= count[k] > 0 ? count[k] : 0;
+  for (int k = 0; k < n; ++k) {
+    if (count[k] < 1) total = 0;
+  }
+  for (int k = 0; k < n && total > 0; ++k)
+    total = zr::detail::GrownLength(total * count[k], sizeof(int));
   zrArray<int> result;
   if (total > 0) result.Set(static_cast<int>(total));
   if (total > 0) {
@@ -283,7 +289,7 @@ int zrArrayNDAbs::GetLineWithin(zrArray<int>& p1, zrArray<int>& p2) const {
 void zrArrayNDAbs::MkTabFor4Link(const zrArray<int>& tab, zrArray<int>& out) {
   const int n = tab.Len();
   zrArray<int> result;
-  if (n > 0) result.Set(2 * n);
+  if (n > 0) result.Set(zr::detail::GrownLength(2 * std::int64_t{n}, sizeof(int)));
   for (int k = 0; k < n; ++k) {
     result[2 * k] = tab[k];
     result[2 * k + 1] = -tab[k];

@@ -147,7 +147,8 @@ class ZR_API zrArrayNDAbs : public zrPArray {
   /// needs more moves is not finished. That cap is kept on purpose.
   int GetLineWithin(zrArray<int>& p1, zrArray<int>& p2) const;
 
-  /// Neighbour offset tables for the strides tab (n dimensions), in elements.
+  /// Neighbour offset tables for the strides tab (n dimensions), in elements. A table
+  /// longer than INT_MAX entries cannot be made: zrErrNoMemory with its byte count.
   /// Face neighbours: out[2k] = tab[k], out[2k + 1] = -tab[k].
   static void MkTabFor4Link(const zrArray<int>& tab, zrArray<int>& out);
   /// All 3^n - 1 neighbours of the cube around an element: the offsets of Rcurs2 without
