@@ -7,22 +7,37 @@
 #include "flat_check.h"
 #include "zr/ndarray/ndarray.h"
 
+namespace {
+
+// Into a fresh array, and into one that already has dimensions (which an empty list of
+// sizes must not take away).
+template <class T>
+void Check(const unsigned char* form, std::size_t n) {
+  zr_fuzz::CheckFlat<zrArrayND<T>>(form, n);
+  zrArray<int> sizes(2, 2);
+  zrArrayND<T> filled(sizes);
+  filled.Fill(T{});
+  zr_fuzz::CheckFlat(form, n, filled, [](const unsigned char*, int) { return true; });
+}
+
+}  // namespace
+
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   if (size < 1) return 0;
   const unsigned char* form = data + 1;
   const std::size_t n = size - 1;
   switch (data[0] % 4) {
     case 0:
-      zr_fuzz::CheckFlat<zrArrayND<unsigned char>>(form, n);
+      Check<unsigned char>(form, n);
       break;
     case 1:
-      zr_fuzz::CheckFlat<zrArrayND<short>>(form, n);
+      Check<short>(form, n);
       break;
     case 2:
-      zr_fuzz::CheckFlat<zrArrayND<float>>(form, n);
+      Check<float>(form, n);
       break;
     default:
-      zr_fuzz::CheckFlat<zrArrayND<double>>(form, n);
+      Check<double>(form, n);
       break;
   }
   return 0;
