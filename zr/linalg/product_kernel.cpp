@@ -108,10 +108,10 @@ class Work {
 
 template <void (*RunSet)(int, int, int, const ProductOperand&, const ProductOperand&, double*,
                          long long, bool, double*),
-          long long (*WorkspaceSet)()>
+          long long (*WorkspaceSet)(int, int, int)>
 void Blocked(int m, int n, int k, const ProductOperand& a, const ProductOperand& b, double* c,
              long long ldc, bool upper) {
-  const Work work(WorkspaceSet());
+  const Work work(WorkspaceSet(m, n, k));
   RunSet(m, n, k, a, b, c, ldc, upper, work.get());
 }
 
