@@ -125,7 +125,7 @@ ProductVariant Best() {
 }
 
 // Below this many multiply-adds the packing costs more than it saves.
-constexpr long long kSmallProduct = 16 * 16 * 16;
+constexpr long long kSmallProduct = 12 * 12 * 12;
 
 }  // namespace
 
