@@ -11,6 +11,14 @@
 #define ZR_PRODUCT_X86 0
 #endif
 
+// Loops over the register block are unrolled whole, so that its accumulators stay in registers.
+#if defined(__GNUC__) || defined(__clang__)
+#define ZR_PRAGMA(text) _Pragma(#text)
+#define ZR_UNROLL(n) ZR_PRAGMA(GCC unroll n)
+#else
+#define ZR_UNROLL(n)
+#endif
+
 namespace zr::detail {
 namespace {
 

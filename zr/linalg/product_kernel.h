@@ -8,7 +8,9 @@ namespace zr::detail {
 
 // The kernels a product may run on. kAuto takes the fastest one this processor has (chosen
 // once) and keeps the plain loop for products too small to repay the packing; the others
-// force one variant.
+// force one variant, which the caller has checked with ProductVariantAvailable (forcing a
+// missing instruction set stops the program). kPortable is SSE2 on x86-64 and plain doubles
+// elsewhere.
 enum class ProductVariant { kAuto, kPlain, kPortable, kAvx2, kAvx512 };
 
 // An m x k (or k x n) operand of any layout: element (i, j) is p[i * row_step + j * col_step].
