@@ -387,15 +387,17 @@ void zrMatrix<TT>::SelfTMulSelf(zrMatrix& out) const {
   // Built aside: out may be this matrix or view its elements.
   zrMatrix r(cols_, cols_);
   if constexpr (std::is_same_v<TT, double>) {
-    // T() * this on the blocked kernel for k <= m (the same products in the same order),
-    // then mirrored.
+    // T() * this on the blocked kernel: the same products in the same order for k <= m,
+    // mirrored.
     zr::detail::Product(zr::detail::ProductVariant::kAuto, cols_, cols_, rows_,
                         {p_, step_line_, step_column_}, {p_, step_column_, step_line_}, r.p_,
                         r.step_column_, true);
-    for (int k = 0; k < cols_; ++k) {
-      for (int m = k + 1; m < cols_; ++m) r(m, k) = r(k, m);
+    // An out of another size would be re-created stored by rows: take r's block instead.
+    if (cols_ > 0 && (out.rows_ != cols_ || out.cols_ != cols_)) {
+      out.swap(r);
+    } else {
+      out = r;
     }
-    out = r;
     return;
   }
   for (int k = 0; k < cols_; ++k) {

@@ -85,10 +85,10 @@ constexpr int kNV = 3;
 #endif
 
 void PlainProduct(int m, int n, int k, const ProductOperand& a, const ProductOperand& b, double* c,
-                  long long ldc) {
+                  long long ldc, bool upper) {
   for (int i = 0; i < m; ++i) {
     const double* ai = a.p + i * a.row_step;
-    for (int j = 0; j < n; ++j) {
+    for (int j = upper ? i : 0; j < n; ++j) {
       const double* bj = b.p + j * b.col_step;
       double sum = ai[0] * bj[0];
       for (int p = 1; p < k; ++p) sum = sum + ai[p * a.col_step] * bj[p * b.row_step];
@@ -135,21 +135,9 @@ ProductVariant Best() {
 // Below this many multiply-adds the packing costs more than it saves.
 constexpr long long kSmallProduct = 12 * 12 * 12;
 
-}  // namespace
-
-bool ProductVariantAvailable(ProductVariant variant) {
-  switch (variant) {
-    case ProductVariant::kAvx2:
-      return Best() == ProductVariant::kAvx2 || Best() == ProductVariant::kAvx512;
-    case ProductVariant::kAvx512:
-      return Best() == ProductVariant::kAvx512;
-    default:
-      return true;
-  }
-}
-
-void Product(ProductVariant variant, int m, int n, int k, ProductOperand a, ProductOperand b,
-             double* c, long long ldc, bool upper) {
+// The product; with upper only the elements with j >= i.
+void Compute(ProductVariant variant, int m, int n, int k, const ProductOperand& a,
+             const ProductOperand& b, double* c, long long ldc, bool upper) {
   if (m <= 0 || n <= 0) return;
   if (k <= 0) {
     for (int i = 0; i < m; ++i) {
@@ -175,9 +163,43 @@ void Product(ProductVariant variant, int m, int n, int k, ProductOperand a, Prod
       Blocked<portable::Run, portable::Workspace>(m, n, k, a, b, c, ldc, upper);
       return;
     default:
-      PlainProduct(m, n, k, a, b, c, ldc);
+      PlainProduct(m, n, k, a, b, c, ldc, upper);
       return;
   }
+}
+
+// c(j, i) = c(i, j) for j > i, tile by tile so that the column writes stay in cache.
+void MirrorUpper(int n, double* c, long long ldc) {
+  constexpr int kTile = 8;
+  for (int i0 = 0; i0 < n; i0 += kTile) {
+    const int i1 = n - i0 < kTile ? n : i0 + kTile;
+    for (int j0 = i0; j0 < n; j0 += kTile) {
+      const int j1 = n - j0 < kTile ? n : j0 + kTile;
+      for (int i = i0; i < i1; ++i) {
+        for (int j = j0 > i + 1 ? j0 : i + 1; j < j1; ++j) c[j * ldc + i] = c[i * ldc + j];
+      }
+    }
+  }
+}
+
+}  // namespace
+
+bool ProductVariantAvailable(ProductVariant variant) {
+  switch (variant) {
+    case ProductVariant::kAvx2:
+      return Best() == ProductVariant::kAvx2 || Best() == ProductVariant::kAvx512;
+    case ProductVariant::kAvx512:
+      return Best() == ProductVariant::kAvx512;
+    default:
+      return true;
+  }
+}
+
+void Product(ProductVariant variant, int m, int n, int k, ProductOperand a, ProductOperand b,
+             double* c, long long ldc, bool mirror) {
+  const bool upper = mirror && m == n;
+  Compute(variant, m, n, k, a, b, c, ldc, upper);
+  if (upper) MirrorUpper(n, c, ldc);
 }
 
 }  // namespace zr::detail

@@ -23,10 +23,11 @@ struct ProductOperand {
 // c = a * b with a m x k, b k x n and c m x n stored by rows, row i starting at c + i * ldc;
 // c must not overlap a or b. Every element is the sum of its k products in index order,
 // the first product starting it (no 0 + ...), each multiply and add rounded on its own: the
-// bits of the plain loop whatever the variant. k == 0 gives +0 everywhere. With upper set
-// only the elements with j >= i are required; some of the others are left unwritten.
+// bits of the plain loop whatever the variant. k == 0 gives +0 everywhere. With mirror set
+// (m == n, a product known to be symmetric such as T() * a) only the elements with j >= i
+// are computed and each is copied to (j, i).
 ZR_API void Product(ProductVariant variant, int m, int n, int k, ProductOperand a, ProductOperand b,
-                    double* c, long long ldc, bool upper = false);
+                    double* c, long long ldc, bool mirror = false);
 
 // Whether this processor (and build) can run the variant; kAuto, kPlain and kPortable always.
 ZR_API bool ProductVariantAvailable(ProductVariant variant);
