@@ -161,7 +161,7 @@ TEST(ProductKernel, ViewsWithStepsTransposesAndReversedLines) {
   ExpectAllVariants(rev, tall);
 }
 
-// T() * a with only k <= m computed (SelfTMulSelf), then the public operations themselves.
+// T() * a computed for k <= m and mirrored (SelfTMulSelf), then the public operations.
 TEST(ProductKernel, SelfTransposedProductAndThePublicOperations) {
   std::mt19937_64 rng(5);
   for (const int rows : {1, 9, 257}) {
