@@ -5,9 +5,11 @@
 #pragma once
 
 #include <cstdint>
+#include <type_traits>
 #include <utility>
 
 #include "zr/linalg/matrix.h"
+#include "zr/linalg/product_kernel.h"
 #include "zr/linalg/vector_impl.h"
 
 namespace zr::detail {
@@ -351,6 +353,13 @@ template <class TT>
 zrMatrix<TT> zrMatrix<TT>::operator*(const zrMatrix& other) const {
   if (cols_ != other.rows_) throw BadParameters("different size.");
   zrMatrix r(rows_, other.cols_);
+  if constexpr (std::is_same_v<TT, double>) {
+    // The blocked kernel, bit for bit the loop below.
+    zr::detail::Product(zr::detail::ProductVariant::kAuto, rows_, other.cols_, cols_,
+                        {p_, step_column_, step_line_},
+                        {other.p_, other.step_column_, other.step_line_}, r.p_, r.step_column_);
+    return r;
+  }
   for (int i = 0; i < r.rows_; ++i) {
     for (int j = 0; j < r.cols_; ++j) {
       TT sum = cols_ > 0 ? (*this)(i, 0) * other(0, j) : TT{};
@@ -377,6 +386,20 @@ template <class TT>
 void zrMatrix<TT>::SelfTMulSelf(zrMatrix& out) const {
   // Built aside: out may be this matrix or view its elements.
   zrMatrix r(cols_, cols_);
+  if constexpr (std::is_same_v<TT, double>) {
+    // T() * this on the blocked kernel: the same products in the same order for k <= m,
+    // mirrored.
+    zr::detail::Product(zr::detail::ProductVariant::kAuto, cols_, cols_, rows_,
+                        {p_, step_line_, step_column_}, {p_, step_column_, step_line_}, r.p_,
+                        r.step_column_, true);
+    // An out of another size would be re-created stored by rows: take r's block instead.
+    if (cols_ > 0 && (out.rows_ != cols_ || out.cols_ != cols_)) {
+      out.swap(r);
+    } else {
+      out = r;
+    }
+    return;
+  }
   for (int k = 0; k < cols_; ++k) {
     for (int m = k; m < cols_; ++m) {
       TT sum = rows_ > 0 ? (*this)(0, k) * (*this)(0, m) : TT{};
