@@ -3,6 +3,8 @@
 // "<case>/<implementation>/<size>"; compare.py reads them that way.
 #pragma once
 
+#include <benchmark/benchmark.h>
+
 #include <algorithm>
 #include <cmath>
 #include <cstddef>
@@ -48,6 +50,31 @@ inline std::vector<double> EvalPoints(int nodes, int count, bool sorted) {
 
 // The number of evaluation points per run.
 constexpr int kEvalPoints = 1000000;
+
+// The "check" counter: a weighted sum of a few elements of the result, read through
+// at(i, j) (matrices) or at(i) (vectors), so that a transposed, misplaced or wrong result
+// gives another number. compare.py compares it across the implementations of a row.
+template <class At>
+double CheckMatrix(int n, At at) {
+  return at(1, 2) - 0.5 * at(n - 1, 0) + 0.25 * at(0, n - 1) + 0.125 * at(n / 2, n / 2);
+}
+template <class At>
+double CheckVector(int n, At at) {
+  return at(0) + 0.5 * at(n / 2) - 0.25 * at(n - 1);
+}
+inline void SetCheck(benchmark::State& state, double value) { state.counters["check"] = value; }
+
+// The abscissas a spline build is checked at: between the first nodes and in the middle.
+inline double CheckX1() { return 0.5 * (NodeX(1) + NodeX(2)); }
+inline double CheckX2(int n) { return 0.5 * (NodeX(n / 2) + NodeX(n / 2 + 1)); }
+
+// Elements of the N-D sources by their dense index (dimension 0 fastest in zr and in
+// Eigen's column-major tensors alike).
+inline double CubeValue(int index) { return Entry(index, 7); }
+template <class At>
+double CheckCube(int n, At at) {
+  return at(1, 2, 3) - 0.5 * at(n - 1, 0, 2) + 0.25 * at(0, n - 2, n - 1);
+}
 
 // Operation counts for the FLOP/s counters (the classic counts, the same for every
 // implementation so that rates compare as times do).

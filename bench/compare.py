@@ -112,7 +112,7 @@ def run_program(path, name, flt, args):
 
 def collect(args):
     """Returns ({run name: fastest repetition}, merged context)."""
-    runs, context = {}, {}
+    runs, context, errors = {}, {}, []
     if args.json_dir:
         os.makedirs(args.json_dir, exist_ok=True)
     for name, flt in PROGRAMS:
@@ -131,13 +131,16 @@ def collect(args):
             data = run_program(path, name, flt, args)
         context.update(data.get("context", {}))
         for b in data.get("benchmarks", []):
-            if b.get("run_type", "iteration") != "iteration" or b.get("error_occurred"):
+            if b.get("error_occurred"):
+                errors.append("%s (%s)" % (b["name"], b.get("error_message", "")))
+                continue
+            if b.get("run_type", "iteration") != "iteration":
                 continue
             b["seconds"] = b["cpu_time"] * TIME_UNITS[b.get("time_unit", "ns")]
             key = b.get("run_name", b["name"])
             if key not in runs or b["seconds"] < runs[key]["seconds"]:
                 runs[key] = b
-    return runs, context
+    return runs, context, sorted(set(errors))
 
 
 def show(run, unit):
@@ -166,10 +169,17 @@ def size_text(n):
     return digits
 
 
+def differs(a, b):
+    """Whether two "check" counters disagree beyond rounding (each implementation rounds
+    in its own order, so only a misplaced or wrong result moves them this far)."""
+    return abs(a - b) > 1e-6 * max(abs(a), abs(b))
+
+
 def table(runs):
     def get(case, impl, n):
         return runs.get("%s/%s/%d" % (case, impl, n))
 
+    mismatches = []
     lines = ["| case | size | zr | best peer | zr vs best peer | zr vs plain loop | target | met |",
              "|---|---|---|---|---|---|---|---|"]
     met_count = missed_count = 0
@@ -181,6 +191,11 @@ def table(runs):
             size = size_text(n) + ("^3" if case.startswith("nd_") else "")
             found = [(get(case, impl, n), title) for impl, title in peers]
             found = [(run, title) for run, title in found if run is not None]
+            before = len(mismatches)
+            for run, title in found + [(get(case, "loop", n), "plain loop")]:
+                if run and "check" in run and "check" in zr and differs(run["check"], zr["check"]):
+                    mismatches.append("%s %s: zr %.17g, %s %.17g" % (
+                        label, size, zr["check"], title, run["check"]))
             if found:
                 best, title = min(found, key=lambda item: item[0]["seconds"])
                 peer_text = "%s: %s" % (title, show(best, unit))
@@ -189,6 +204,7 @@ def table(runs):
                 peer_text, best_ratio = "(no peer built)", "-"
             loop = get(case, "loop", n)
             loop_text = fmt_ratio(ratio(loop, zr)) if loop else ""
+            mark = " (!)" if len(mismatches) > before else ""
             goals, verdict = [], ""
             for ref_case, ref_impl, factor, text in TARGETS.get((case, n), []):
                 r = ratio(get(ref_case, ref_impl, n), zr)
@@ -206,9 +222,9 @@ def table(runs):
             elif verdict == "missed":
                 missed_count += 1
             lines.append("| %s | %s | %s | %s | %s | %s | %s | %s |" % (
-                label, size, show(zr, unit), peer_text, best_ratio, loop_text,
+                label + mark, size, show(zr, unit), peer_text, best_ratio, loop_text,
                 "; ".join(goals), verdict))
-    return lines, met_count, missed_count
+    return lines, met_count, missed_count, mismatches
 
 
 def machine(context):
@@ -240,10 +256,10 @@ def main():
     args = parse_args()
     if args.from_json and not args.json_dir:
         sys.exit("--from-json needs --json-dir")
-    runs, context = collect(args)
+    runs, context, errors = collect(args)
     if not runs:
         sys.exit("no results: build the benchmarks first (cmake --preset bench-native)")
-    lines, met, missed = table(runs)
+    lines, met, missed, mismatches = table(runs)
     print("\n".join(lines))
     print()
     print(machine(context))
@@ -251,6 +267,15 @@ def main():
     print("zr, peers: the fastest of the repetitions (CPU time; GFLOP/s from the classic "
           "counts, otherwise ns per item). Ratios > 1: zr is faster. Single-threaded "
           "peers. Targets met: %d, missed: %d." % (met, missed))
+    if mismatches:
+        print()
+        print("(!) Results that disagree (the \"check\" counter, a few weighted elements of the "
+              "result):")
+        for line in mismatches:
+            print("- " + line)
+    if errors:
+        print()
+        print("Benchmarks that failed: " + "; ".join(errors))
 
 
 if __name__ == "__main__":

@@ -30,11 +30,13 @@ void Product(benchmark::State& state) {
   const int n = static_cast<int>(state.range(0));
   const zrMatrix<double> a = Square(n, 1.0);
   const zrMatrix<double> b = Square(n, 2.0);
+  zrMatrix<double> c;
   for (auto _ : state) {
-    zrMatrix<double> c = a * b;
+    c = a * b;
     benchmark::DoNotOptimize(c(0, 0));
   }
   Flops(state, zr_bench::ProductFlops(n));
+  zr_bench::SetCheck(state, zr_bench::CheckMatrix(n, [&](int i, int j) { return c(i, j); }));
 }
 
 // The same sums in the same order (c(i, j) starts from the k = 0 product and adds
@@ -64,6 +66,7 @@ void PlainProduct(benchmark::State& state) {
     benchmark::ClobberMemory();
   }
   Flops(state, zr_bench::ProductFlops(n));
+  zr_bench::SetCheck(state, zr_bench::CheckMatrix(n, [&](int i, int j) { return c[i * m + j]; }));
 }
 
 // The solver eliminates in place: each run gets a fresh copy, made outside the timing.
@@ -84,17 +87,20 @@ void GaussSolve(benchmark::State& state) {
     benchmark::DoNotOptimize(x[0]);
   }
   Flops(state, zr_bench::SolveFlops(n));
+  zr_bench::SetCheck(state, zr_bench::CheckVector(n, [&](int i) { return x[i]; }));
 }
 
 // Inverse() works on a private copy; the copy is part of the call and of the timing.
 void Inverse(benchmark::State& state) {
   const int n = static_cast<int>(state.range(0));
   const zrMatrix<double> a = Square(n, zr_bench::SolveDiagonal(n));
+  zrMatrix<double> inv;
   for (auto _ : state) {
-    zrMatrix<double> inv = a.Inverse();
+    inv = a.Inverse();
     benchmark::DoNotOptimize(inv(0, 0));
   }
   Flops(state, zr_bench::InverseFlops(n));
+  zr_bench::SetCheck(state, zr_bench::CheckMatrix(n, [&](int i, int j) { return inv(i, j); }));
 }
 
 // The peers that overwrite their inputs get fresh copies between a pause and a resume;
@@ -117,6 +123,7 @@ void Sweep(benchmark::State& state) {
     benchmark::DoNotOptimize(x[0]);
   }
   state.SetItemsProcessed(state.iterations() * n);
+  zr_bench::SetCheck(state, zr_bench::CheckVector(n, [&](int i) { return x[i]; }));
 }
 
 // The sweep's recurrences written out over plain arrays.
@@ -148,6 +155,7 @@ void PlainSweep(benchmark::State& state) {
     benchmark::ClobberMemory();
   }
   state.SetItemsProcessed(state.iterations() * n);
+  zr_bench::SetCheck(state, zr_bench::CheckVector(n, [&](int i) { return x[i]; }));
 }
 
 }  // namespace

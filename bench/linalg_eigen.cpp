@@ -40,6 +40,7 @@ void EigenProduct(benchmark::State& state) {
     benchmark::ClobberMemory();
   }
   Flops(state, zr_bench::ProductFlops(n));
+  zr_bench::SetCheck(state, zr_bench::CheckMatrix(n, [&](int i, int j) { return c(i, j); }));
 }
 
 // The factorisation copies the matrix itself; that copy is in the timing.
@@ -55,16 +56,19 @@ void EigenSolve(benchmark::State& state) {
     benchmark::DoNotOptimize(x.data());
   }
   Flops(state, zr_bench::SolveFlops(n));
+  zr_bench::SetCheck(state, zr_bench::CheckVector(n, [&](int i) { return x[i]; }));
 }
 
 void EigenInverse(benchmark::State& state) {
   const int n = static_cast<int>(state.range(0));
   const Eigen::MatrixXd a = Square(n, zr_bench::SolveDiagonal(n));
+  Eigen::MatrixXd inv;
   for (auto _ : state) {
-    Eigen::MatrixXd inv = a.partialPivLu().inverse();
+    inv = a.partialPivLu().inverse();
     benchmark::DoNotOptimize(inv.data());
   }
   Flops(state, zr_bench::InverseFlops(n));
+  zr_bench::SetCheck(state, zr_bench::CheckMatrix(n, [&](int i, int j) { return inv(i, j); }));
 }
 
 }  // namespace

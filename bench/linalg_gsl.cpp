@@ -46,6 +46,7 @@ void GslTridiag(benchmark::State& state) {
   }
   if (status != 0) state.SkipWithError("gsl_linalg_solve_tridiag failed");
   state.SetItemsProcessed(state.iterations() * n);
+  zr_bench::SetCheck(state, zr_bench::CheckVector(n, [&](int i) { return x[i]; }));
 }
 
 }  // namespace

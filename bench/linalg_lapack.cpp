@@ -57,6 +57,8 @@ void Dgemm(benchmark::State& state) {
     benchmark::ClobberMemory();
   }
   Flops(state, zr_bench::ProductFlops(n));
+  const std::size_t m = static_cast<std::size_t>(n);
+  zr_bench::SetCheck(state, zr_bench::CheckMatrix(n, [&](int i, int j) { return c[j * m + i]; }));
 }
 
 #ifdef ZR_BENCH_HAVE_LAPACK
@@ -81,6 +83,7 @@ void Dgesv(benchmark::State& state) {
   }
   if (info != 0) state.SkipWithError("dgesv failed");
   Flops(state, zr_bench::SolveFlops(n));
+  zr_bench::SetCheck(state, zr_bench::CheckVector(n, [&](int i) { return b[i]; }));
 }
 
 // As zr's Inverse, the copy of the input is part of the timing.
@@ -103,6 +106,8 @@ void Dgetri(benchmark::State& state) {
   }
   if (info != 0) state.SkipWithError("dgetrf/dgetri failed");
   Flops(state, zr_bench::InverseFlops(n));
+  const std::size_t m = static_cast<std::size_t>(n);
+  zr_bench::SetCheck(state, zr_bench::CheckMatrix(n, [&](int i, int j) { return a[j * m + i]; }));
 }
 
 // dgtsv overwrites all four inputs: fresh copies between a pause and a resume.
@@ -133,6 +138,7 @@ void Dgtsv(benchmark::State& state) {
   }
   if (info != 0) state.SkipWithError("dgtsv failed");
   state.SetItemsProcessed(state.iterations() * n);
+  zr_bench::SetCheck(state, zr_bench::CheckVector(n, [&](int i) { return b[i]; }));
 }
 
 #endif

@@ -6,6 +6,8 @@
 #include <array>
 #include <unsupported/Eigen/CXX11/Tensor>
 
+#include "bench_data.h"
+
 namespace {
 
 enum Kind { kDense, kFlipped, kSwapped };
@@ -15,7 +17,8 @@ void EigenAdd(benchmark::State& state) {
   const Eigen::Index n = state.range(0);
   Eigen::Tensor<double, 3> source(n, n, n);
   Eigen::Tensor<double, 3> target(n, n, n);
-  source.setConstant(1.0);
+  for (Eigen::Index i = 0; i < source.size(); ++i)
+    source.data()[i] = zr_bench::CubeValue(static_cast<int>(i));
   target.setZero();
   const std::array<bool, 3> reverse{{true, false, false}};
   const std::array<int, 3> shuffle{{2, 1, 0}};
@@ -29,6 +32,10 @@ void EigenAdd(benchmark::State& state) {
   const std::int64_t items = static_cast<std::int64_t>(n) * n * n;
   state.SetItemsProcessed(state.iterations() * items);
   state.SetBytesProcessed(state.iterations() * items * 8);
+  const double runs = static_cast<double>(state.iterations());
+  zr_bench::SetCheck(state, zr_bench::CheckCube(static_cast<int>(n), [&](int i, int j, int k) {
+                       return target(i, j, k) / runs;
+                     }));
 }
 
 }  // namespace

@@ -36,12 +36,15 @@ void Build(benchmark::State& state) {
   const int n = static_cast<int>(state.range(0));
   const zrSimpleArray<zrColumnVector<double>> points = Nodes(n);
   const Natural natural;
+  double check = 0;
   for (auto _ : state) {
     zrSpline<double> s(points);
     s.MkSpline3(natural.codes, natural.values);
-    benchmark::DoNotOptimize(s(zr_bench::NodeX(0)));
+    check = s(zr_bench::CheckX1()) + 0.5 * s(zr_bench::CheckX2(n));
+    benchmark::DoNotOptimize(check);
   }
   state.SetItemsProcessed(state.iterations() * n);
+  zr_bench::SetCheck(state, check);
 }
 
 template <bool sorted>
@@ -51,12 +54,14 @@ void Eval(benchmark::State& state) {
   const Natural natural;
   s.MkSpline3(natural.codes, natural.values);
   const std::vector<double> xs = zr_bench::EvalPoints(n, zr_bench::kEvalPoints, sorted);
+  double sum = 0;
   for (auto _ : state) {
-    double sum = 0;
+    sum = 0;
     for (double x : xs) sum += s(x);
     benchmark::DoNotOptimize(sum);
   }
   state.SetItemsProcessed(state.iterations() * static_cast<long long>(xs.size()));
+  zr_bench::SetCheck(state, sum / static_cast<double>(xs.size()));
 }
 
 }  // namespace

@@ -34,13 +34,17 @@ void GslBuild(benchmark::State& state) {
   const int n = static_cast<int>(state.range(0));
   const Nodes nodes(n);
   const std::size_t m = nodes.x.size();
+  double check = 0;
   for (auto _ : state) {
     gsl_spline* s = gsl_spline_alloc(gsl_interp_cspline, m);
     gsl_spline_init(s, nodes.x.data(), nodes.y.data(), m);
-    benchmark::DoNotOptimize(gsl_spline_eval(s, nodes.x[0], nullptr));
+    check = gsl_spline_eval(s, zr_bench::CheckX1(), nullptr) +
+            0.5 * gsl_spline_eval(s, zr_bench::CheckX2(n), nullptr);
+    benchmark::DoNotOptimize(check);
     gsl_spline_free(s);
   }
   state.SetItemsProcessed(state.iterations() * n);
+  zr_bench::SetCheck(state, check);
 }
 
 template <bool sorted>
@@ -52,15 +56,17 @@ void GslEval(benchmark::State& state) {
   gsl_spline_init(s, nodes.x.data(), nodes.y.data(), m);
   gsl_interp_accel* acc = gsl_interp_accel_alloc();
   const std::vector<double> xs = zr_bench::EvalPoints(n, zr_bench::kEvalPoints, sorted);
+  double sum = 0;
   for (auto _ : state) {
     gsl_interp_accel_reset(acc);
-    double sum = 0;
+    sum = 0;
     for (double x : xs) sum += gsl_spline_eval(s, x, acc);
     benchmark::DoNotOptimize(sum);
   }
   gsl_interp_accel_free(acc);
   gsl_spline_free(s);
   state.SetItemsProcessed(state.iterations() * static_cast<long long>(xs.size()));
+  zr_bench::SetCheck(state, sum / static_cast<double>(xs.size()));
 }
 
 }  // namespace
