@@ -97,6 +97,13 @@ class ZR_API zrSpline : public zrUsingNew {
 
   int GetNumberOfPoint() const { return points_.Len(); }
   int GetSegmentNum(const TT& x) const;
+  /// GetSegmentNum(x) that starts from segment hint and searches forward from it when
+  /// x_hint <= x (any other hint, one out of range included, is ignored), leaving the
+  /// result in hint. The index is the same as without a hint; queries in increasing order
+  /// find theirs in a few comparisons.
+  int GetSegmentNum(const TT& x, int& hint) const;
+  /// operator()(x) through GetSegmentNum(x, hint).
+  TT Value(const TT& x, int& hint) const;
 
   TT operator()(const TT& x) const;
   TT operator()(const TT& x, int seg) const;
@@ -114,11 +121,35 @@ class ZR_API zrSpline : public zrUsingNew {
   // The end-condition count of codes and the values they use, checked; throws before
   // anything is built.
   int CountConditions(const zrSimpleArray<int>& codes, const zrMatrix<TT>& values) const;
-  void BuildSegments3(const zrColumnVector<TT>& moments, int periodic);
+  void BuildSegments3(const TT* moments, int periodic);
+  // Segment i's coefficients (count koef) into its polynomial and its record.
+  void SetSegment(int i, const zrColumnVector<TT>& k);
+  // The records' abscissas and ordinates of points, and the search tree over them.
+  static void MakeRecords(const zrSimpleArray<zrColumnVector<TT>>& points,
+                          zrSimpleArray<TT>& records);
+  static int MakeTree(const zrSimpleArray<TT>& records, zrSimpleArray<TT>& tree);
+  // The search for non-decreasing abscissas and for any, x within the nodes.
+  int Search(const TT& x) const;
+  // Segment seg at x as its polynomial evaluates it, from the record when it is current.
+  TT EvalSegment(int seg, const TT& x) const;
 
   zrSimpleArray<zrPolynom<TT>> segments_;     // n - 1, segment i about x_i
   zrSimpleArray<zrColumnVector<TT>> points_;  // n points (x, y), private copies
-  int increasing_ = 1;                        // abscissas do not decrease
+
+  // The same data laid out for evaluation: record i = (x_i, y_i, c0, c1, c2, c3) of
+  // segment i (the coefficients of the last record unused); koef_ is the coefficient
+  // count of every segment when the records hold the segments (2 or 4), else 0 and the
+  // polynomials are used.
+  static constexpr int kRecord = 6;
+  zrSimpleArray<TT> records_;
+  int koef_ = 0;
+  // For non-decreasing abscissas: x_1 ... x_(n-2) as a complete binary search tree stored
+  // by levels (node k has children 2k and 2k + 1), padded with +infinity to 2^depth_ - 1
+  // keys; node 0 (unused) sits at a 64-byte boundary inside tree_.
+  zrSimpleArray<TT> tree_;
+  int depth_ = 0;
+  const TT* TreeNodes() const;
+  int increasing_ = 1;  // abscissas do not decrease
 };
 
 ZR_EXTERN_TEMPLATE(class, zrSpline<double>);
