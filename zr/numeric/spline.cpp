@@ -142,8 +142,7 @@ int zrSpline<TT>::MakeTree(const zrSimpleArray<TT>& records, zrSimpleArray<TT>& 
     const int span = 1 << (depth - 1 - l);
     for (int j = 0; j < first; ++j) {
       const int key = (2 * j + 1) * span - 1;
-      nodes[first + j] =
-          key < m ? r[(key + 1) * kRecord] : std::numeric_limits<TT>::infinity();
+      nodes[first + j] = key < m ? r[(key + 1) * kRecord] : std::numeric_limits<TT>::infinity();
     }
   }
   return depth;
