@@ -6,6 +6,9 @@
 
 #include <algorithm>
 #include <cstring>
+#if defined(__GLIBC__)
+#include <malloc.h>
+#endif
 #include <type_traits>
 #include <utility>
 
@@ -203,11 +206,21 @@ void zrSimpleArray<T>::Reallocate(int n, int keep) {
     // A sole owner whose origin starts a block of exactly its length can have the block
     // resized where it lies: the result is the same exact-size private block.
     void* const mem = GetMem();
-    if (mem && mem == p_ && zrGetMemRef(mem) == 1 && zr::detail::BlockCount(mem) == n_) {
+    if (mem && mem == p_ && zr::detail::BlockHeader(mem)[0] == 1 &&
+        zr::detail::BlockCount(mem) == n_) {
       const std::uint64_t bytes =
           static_cast<std::uint64_t>(n) * sizeof(T) + zr::detail::kBlockHeader;
-      char* const base =
-          static_cast<char*>(zrRealloc(static_cast<char*>(mem) - zr::detail::kBlockHeader, bytes));
+      char* const old = static_cast<char*>(mem) - zr::detail::kBlockHeader;
+#if defined(__GLIBC__)
+      // The allocation may already be long enough (the C library rounds sizes up); realloc
+      // would then return it unchanged, so only the count is rewritten.
+      if (n > n_ && malloc_usable_size(old) >= bytes) {
+        zr::detail::BlockHeader(mem)[1] = -n;
+        n_ = n;
+        return;
+      }
+#endif
+      char* const base = static_cast<char*>(zrRealloc(old, bytes));
       auto* const header = reinterpret_cast<std::int32_t*>(base);
       header[1] = -n;
       T* const block = reinterpret_cast<T*>(base + zr::detail::kBlockHeader);
