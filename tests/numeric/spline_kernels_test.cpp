@@ -173,27 +173,39 @@ TEST(SplineKernels, CubicHasThePlainBuildsBits) {
       const Reference r = PlainCubic(x, y, codes[c][0], codes[c][1], v);
       zrSimpleArray<int> cd(2);
       cd[0] = codes[c][0], cd[1] = codes[c][1];
-      S s(MakePoints(x, y));
-      bool refused = false;
+      // A fresh spline, and one rebuilt over an earlier cubic (its segments are then
+      // written in place).
+      S fresh(MakePoints(x, y));
+      S rebuilt(MakePoints(x, y));
+      zrMatrix<double> earlier(2, 2);
+      earlier.Fill(0.25);
       try {
-        s.MkSpline3(cd, v);
+        rebuilt.MkSpline3(cd, earlier);
       } catch (const BadParameters&) {
-        refused = true;
       }
-      ASSERT_EQ(r.refused, refused) << n << ' ' << c;
-      refusals += refused ? 1 : 0;
-      EXPECT_EQ(refused ? 0 : 1, s.Check());
-      // Refused or not, the segments stay built and must match.
-      for (int i = 0; i < n - 1; ++i) {
-        for (int k = 0; k <= 4; ++k) {
-          const double at = x[i] + (x[i + 1] - x[i]) * k / 4;
-          const zrPolynom<double>& p = r.segs[i];
-          ASSERT_TRUE(SameBits(p(at), s(at, i))) << n << ' ' << c << ' ' << i << ' ' << k;
-          for (int m = 0; m <= 3; ++m)
-            ASSERT_TRUE(SameBits(p.Derivative(at, m), s.Derivative(at, m, i))) << m;
-          int hint = i;
-          ASSERT_TRUE(SameBits(r.segs[ScanSegment(x, at)](at), s.Value(at, hint)));
-          ASSERT_TRUE(SameBits(r.segs[ScanSegment(x, at)](at), s(at)));
+      for (S* const sp : {&fresh, &rebuilt}) {
+        S& s = *sp;
+        bool refused = false;
+        try {
+          s.MkSpline3(cd, v);
+        } catch (const BadParameters&) {
+          refused = true;
+        }
+        ASSERT_EQ(r.refused, refused) << n << ' ' << c;
+        refusals += refused ? 1 : 0;
+        EXPECT_EQ(refused ? 0 : 1, s.Check());
+        // Refused or not, the segments stay built and must match.
+        for (int i = 0; i < n - 1; ++i) {
+          for (int k = 0; k <= 4; ++k) {
+            const double at = x[i] + (x[i + 1] - x[i]) * k / 4;
+            const zrPolynom<double>& p = r.segs[i];
+            ASSERT_TRUE(SameBits(p(at), s(at, i))) << n << ' ' << c << ' ' << i << ' ' << k;
+            for (int m = 0; m <= 3; ++m)
+              ASSERT_TRUE(SameBits(p.Derivative(at, m), s.Derivative(at, m, i))) << m;
+            int hint = i;
+            ASSERT_TRUE(SameBits(r.segs[ScanSegment(x, at)](at), s.Value(at, hint)));
+            ASSERT_TRUE(SameBits(r.segs[ScanSegment(x, at)](at), s(at)));
+          }
         }
       }
     }

@@ -183,6 +183,9 @@ void zrSpline<TT>::BuildSegments3(const TT* moments, int periodic) {
   const TT* const r = records_.GetPointer();
   const auto x = [r](int i) { return r[static_cast<std::int64_t>(i) * kRecord]; };
   const auto y = [r](int i) { return r[static_cast<std::int64_t>(i) * kRecord + 1]; };
+  // After a cubic build on these points every segment is already a PowerKoef cubic about
+  // its node, so SetKoef would only copy the values in place: they are written directly.
+  const bool cubic = koef_ == 4;
   zrColumnVector<TT> k(4);
   koef_ = 0;  // the records lag behind the polynomials until every segment is set
   for (int i = 0; i < n - 1; ++i) {
@@ -191,11 +194,15 @@ void zrSpline<TT>::BuildSegments3(const TT* moments, int periodic) {
     const TT m0 = moments[i];
     const TT m1 = wrap ? moments[0] : moments[i + 1];
     const TT y1 = wrap ? y(0) : y(i + 1);
-    k[0] = (m1 - m0) / (6 * h);
-    k[1] = 0.5 * m0;
-    k[2] = (y1 - y(i)) / h - (m1 / 6 + m0 / 3) * h;
-    k[3] = y(i);
-    SetSegment(i, k);
+    const TT c[4] = {(m1 - m0) / (6 * h), 0.5 * m0, (y1 - y(i)) / h - (m1 / 6 + m0 / 3) * h, y(i)};
+    if (cubic) {
+      zrPolynom<TT>& p = segments_[i];
+      TT* const r = records_.GetPointer() + static_cast<std::int64_t>(i) * kRecord;
+      for (int j = 0; j < 4; ++j) p[j] = r[2 + j] = c[j];
+    } else {
+      for (int j = 0; j < 4; ++j) k[j] = c[j];
+      SetSegment(i, k);
+    }
   }
   koef_ = 4;
 }
