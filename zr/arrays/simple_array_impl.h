@@ -82,6 +82,32 @@ void MoveElement(T* p, int from, int to) {
   }
 }
 
+// Whether an array with origin p and length n over block mem is its block's only holder
+// and spans it exactly, so that the block may be resized where it lies.
+inline bool SoleWholeBlock(const void* mem, const void* p, int n) {
+  return mem && mem == p && BlockHeader(mem)[0] == 1 && BlockCount(mem) == n;
+}
+
+// Resizes such a block from n to m elements of `size` bytes and returns its (possibly
+// moved) user pointer. The block stays exactly m elements long; when growing, an
+// allocation that already has room (the C library rounds sizes up) is kept as it is,
+// which is what realloc would do with it.
+inline void* ResizeSoleBlock(void* mem, int n, int m, std::size_t size) {
+  const std::uint64_t bytes = static_cast<std::uint64_t>(m) * size + kBlockHeader;
+  char* const old = static_cast<char*>(mem) - kBlockHeader;
+#if defined(__GLIBC__)
+  if (m > n && malloc_usable_size(old) >= bytes) {
+    BlockHeader(mem)[1] = -m;
+    return mem;
+  }
+#else
+  static_cast<void>(n);
+#endif
+  char* const base = static_cast<char*>(zrRealloc(old, bytes));
+  reinterpret_cast<std::int32_t*>(base)[1] = -m;
+  return base + kBlockHeader;
+}
+
 }  // namespace zr::detail
 
 ZR_DEFINE_TYPE_IDENTITY_WITH(template <class T>, zrSimpleArray<T>, "zrSimpleArray")
@@ -206,24 +232,8 @@ void zrSimpleArray<T>::Reallocate(int n, int keep) {
     // A sole owner whose origin starts a block of exactly its length can have the block
     // resized where it lies: the result is the same exact-size private block.
     void* const mem = GetMem();
-    if (mem && mem == p_ && zr::detail::BlockHeader(mem)[0] == 1 &&
-        zr::detail::BlockCount(mem) == n_) {
-      const std::uint64_t bytes =
-          static_cast<std::uint64_t>(n) * sizeof(T) + zr::detail::kBlockHeader;
-      char* const old = static_cast<char*>(mem) - zr::detail::kBlockHeader;
-#if defined(__GLIBC__)
-      // The allocation may already be long enough (the C library rounds sizes up); realloc
-      // would then return it unchanged, so only the count is rewritten.
-      if (n > n_ && malloc_usable_size(old) >= bytes) {
-        zr::detail::BlockHeader(mem)[1] = -n;
-        n_ = n;
-        return;
-      }
-#endif
-      char* const base = static_cast<char*>(zrRealloc(old, bytes));
-      auto* const header = reinterpret_cast<std::int32_t*>(base);
-      header[1] = -n;
-      T* const block = reinterpret_cast<T*>(base + zr::detail::kBlockHeader);
+    if (zr::detail::SoleWholeBlock(mem, p_, n_)) {
+      T* const block = static_cast<T*>(zr::detail::ResizeSoleBlock(mem, n_, n, sizeof(T)));
       InitMem(block);
       p_ = block;
       n_ = n;

@@ -5,6 +5,9 @@
 /// The spline owns two arrays, both private to it:
 ///   segments  n - 1 zrPolynom<TT>; segment i covers [x_i, x_(i+1)] and is centred at x_i;
 ///   points    n zrColumnVector<TT>; element 0 of point i is x_i, element 1 is y_i.
+/// Beside them it keeps the same numbers in flat form for evaluation (the abscissas,
+/// ordinates and built coefficients side by side, and the search tree), some 60 bytes a
+/// point; values computed from them are exactly the polynomials' values.
 /// Constructing from points, Set, the copy constructor and operator= copy values (the
 /// arrays' element-wise copies), so nothing the caller holds is shared with the spline.
 /// The abscissas must not decrease; that is not rejected, but the builders then fail
@@ -55,10 +58,12 @@
 /// Evaluation. GetSegmentNum(x) requires n > 1 and x_0 <= x <= x_(n-1) and returns i - 1
 /// for the first i in 1 ... n-1 with x_i > x, n - 2 when there is none (x = x_(n-1)). When
 /// the abscissas do not decrease (decided whenever the points are taken) this index is
-/// found by bisection, which gives the same answer as the scan, ties included; otherwise
-/// the scan itself runs. The explicit-segment forms require 0 <= seg < n - 1 and do not
-/// look at x; Derivative(m, i) requires 0 <= i < n and evaluates segment i at x_i (segment
-/// n - 2 for the last point).
+/// found by a branch-free descent of a search tree kept with the points (x_1 ... x_(n-2)
+/// by levels), which gives the same answer as the scan, ties included; otherwise the scan
+/// itself runs. GetSegmentNum(x, hint) and Value(x, hint) search forward from a previous
+/// answer, for queries that come in increasing order. The explicit-segment forms require 0 <= seg <
+/// n - 1 and do not look at x; Derivative(m, i) requires 0 <= i < n and evaluates segment i at x_i
+/// (segment n - 2 for the last point).
 ///
 /// Errors (BadParameters): "Spline: number of point must be >= 3" (fewer than 3 points),
 /// "Spline: point must have 2 coordinates" (a point with fewer elements),
