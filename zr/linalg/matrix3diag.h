@@ -17,12 +17,13 @@
 ///
 /// The solvers never change the matrix's values. They keep their work space with the
 /// matrix (it grows to the largest system solved and is freed with the matrix; copies do
-/// not take it), so one matrix must not solve in two threads at once. They do no pivoting and no
-/// test for a zero denominator: they are meant for diagonally dominant systems (splines,
-/// smoothing), and a zero divides through as the arithmetic gives it. The solution vector is
-/// re-created with length n when its length differs, otherwise written in place (a window writes
-/// through). It may be the right-hand side itself: every b[i] is read before x[i] is
-/// written. Partly overlapping windows of one block are not supported.
+/// not take it), so one matrix must not solve in two threads at once. They do no
+/// pivoting and no test for a zero denominator: they are meant for diagonally dominant
+/// systems (splines, smoothing), and a zero divides through as the arithmetic gives it.
+/// The solution vector is re-created with length n when its length differs, otherwise
+/// written in place (a window writes through). It may be the right-hand side itself:
+/// every b[i] is read before x[i] is written. Partly overlapping windows of one block are
+/// not supported.
 ///
 /// The template parameter is TT because T() is a member.
 #pragma once

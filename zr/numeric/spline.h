@@ -61,9 +61,9 @@
 /// found by a branch-free descent of a search tree kept with the points (x_1 ... x_(n-2)
 /// by levels), which gives the same answer as the scan, ties included; otherwise the scan
 /// itself runs. GetSegmentNum(x, hint) and Value(x, hint) search forward from a previous
-/// answer, for queries that come in increasing order. The explicit-segment forms require 0 <= seg <
-/// n - 1 and do not look at x; Derivative(m, i) requires 0 <= i < n and evaluates segment i at x_i
-/// (segment n - 2 for the last point).
+/// answer, for queries that come in increasing order. The explicit-segment forms require
+/// 0 <= seg < n - 1 and do not look at x; Derivative(m, i) requires 0 <= i < n and
+/// evaluates segment i at x_i (segment n - 2 for the last point).
 ///
 /// Errors (BadParameters): "Spline: number of point must be >= 3" (fewer than 3 points),
 /// "Spline: point must have 2 coordinates" (a point with fewer elements),
