@@ -34,6 +34,28 @@ TT RecordValue(const TT* r, int koef, TT x) {
   return p;
 }
 
+// Check()'s tests on cubic records: segment a within the tolerance of its two end points
+// (the next record's abscissa and ordinate follow at a + kRecord), and the first and
+// second derivatives of segments a and b (the next one) agreeing at b's node, formed as
+// zrPolynom<TT>::Derivative forms them (the falling-factorial weights 3, 2, 1 and 6, 2 are
+// exact).
+template <class TT, int kRecord>
+bool CubicEndsClose(const TT* a) {
+  return Close(RecordValue(a, 4, a[0]), a[1]) &&
+         Close(RecordValue(a, 4, a[kRecord]), a[kRecord + 1]);
+}
+
+template <class TT>
+bool CubicJointClose(const TT* a, const TT* b) {
+  const TT ta = b[0] + (TT{} - a[0]);
+  const TT tb = b[0] + (TT{} - b[0]);
+  const TT a1 = ((a[2] * 3.0) * ta + a[3] * 2.0) * ta + a[4] * 1.0;
+  const TT b1 = ((b[2] * 3.0) * tb + b[3] * 2.0) * tb + b[4] * 1.0;
+  const TT a2 = (a[2] * 6.0) * ta + a[3] * 2.0;
+  const TT b2 = (b[2] * 6.0) * tb + b[3] * 2.0;
+  return Close(a1, b1) && Close(a2, b2);
+}
+
 template <class TT>
 TT RecordDerivative(const TT* r, int koef, TT x, int m) {
   if (m >= koef) return TT{};
@@ -271,10 +293,32 @@ void zrSpline<TT>::MkSpline3(const zrSimpleArray<int>& codes, const zrMatrix<TT>
     hPrev = h;
   }
   moments[n - 1] = (dN - downN * moments[n - 2]) / (downN * alpha[n - 2] + diagN);
-  for (int i = n - 2; i >= 0; --i) moments[i] = moments[i + 1] * alpha[i] + moments[i];
-
-  BuildSegments3(moments, 0);
-  if (!Check()) throw BadParameters("error in spline");
+  if (koef_ != 4) {
+    for (int i = n - 2; i >= 0; --i) moments[i] = moments[i + 1] * alpha[i] + moments[i];
+    BuildSegments3(moments, 0);
+    if (!Check()) throw BadParameters("error in spline");
+    return;
+  }
+  // Over an earlier cubic the segments are written in place (as BuildSegments3 does) as
+  // soon as their two moments are known, and Check()'s tests run on them there: the
+  // divisions of the coefficients fill the wait of the back substitution.
+  koef_ = 0;
+  bool ok = true;
+  for (int i = n - 2; i >= 0; --i) {
+    moments[i] = moments[i + 1] * alpha[i] + moments[i];
+    const TT h = x(i + 1) - x(i);
+    const TT m0 = moments[i];
+    const TT m1 = moments[i + 1];
+    const TT c[4] = {(m1 - m0) / (6 * h), 0.5 * m0, (y(i + 1) - y(i)) / h - (m1 / 6 + m0 / 3) * h,
+                     y(i)};
+    zrPolynom<TT>& p = segments_[i];
+    TT* const rec = records_.GetPointer() + static_cast<std::int64_t>(i) * kRecord;
+    for (int j = 0; j < 4; ++j) p[j] = rec[2 + j] = c[j];
+    ok = ok && zr::detail::CubicEndsClose<TT, kRecord>(rec) &&
+         (i == n - 2 || zr::detail::CubicJointClose(rec, rec + kRecord));
+  }
+  koef_ = 4;
+  if (!ok) throw BadParameters("error in spline");
 }
 
 template <class TT>
@@ -477,19 +521,8 @@ int zrSpline<TT>::Check() const {
         return 0;
     }
     if (koef_ == 4) {
-      // The first and second derivatives of the cubic as zrPolynom<TT>::Derivative forms
-      // them: the falling-factorial weights 3, 2, 1 and 6, 2 are exact.
-      for (int i = 1; i < segs; ++i) {
-        const TT* const a = at(i - 1);
-        const TT* const b = at(i);
-        const TT ta = b[0] + (TT{} - a[0]);
-        const TT tb = b[0] + (TT{} - b[0]);
-        const TT a1 = ((a[2] * 3.0) * ta + a[3] * 2.0) * ta + a[4] * 1.0;
-        const TT b1 = ((b[2] * 3.0) * tb + b[3] * 2.0) * tb + b[4] * 1.0;
-        const TT a2 = (a[2] * 6.0) * ta + a[3] * 2.0;
-        const TT b2 = (b[2] * 6.0) * tb + b[3] * 2.0;
-        if (!zr::detail::Close(a1, b1) || !zr::detail::Close(a2, b2)) return 0;
-      }
+      for (int i = 1; i < segs; ++i)
+        if (!zr::detail::CubicJointClose(at(i - 1), at(i))) return 0;
       return 1;
     }
     for (int i = 1; i < segs; ++i) {
