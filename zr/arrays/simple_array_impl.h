@@ -7,6 +7,9 @@
 #include <algorithm>
 #include <cstdint>
 #include <cstring>
+#if defined(__GLIBC__)
+#include <malloc.h>
+#endif
 #include <type_traits>
 #include <utility>
 
@@ -78,6 +81,32 @@ void MoveElement(T* p, int from, int to) {
   } else {
     RotateLeft(p + from, p + from + 1, p + to + 1);
   }
+}
+
+// Whether an array with origin p and length n over block mem is its block's only holder
+// and spans it exactly, so that the block may be resized where it lies.
+inline bool SoleWholeBlock(const void* mem, const void* p, int n) {
+  return mem && mem == p && BlockHeader(mem)[0] == 1 && BlockCount(mem) == n;
+}
+
+// Resizes such a block from n to m elements of `size` bytes and returns its (possibly
+// moved) user pointer. The block stays exactly m elements long; when growing, an
+// allocation that already has room (the C library rounds sizes up) is kept as it is,
+// which is what realloc would do with it.
+inline void* ResizeSoleBlock(void* mem, int n, int m, std::size_t size) {
+  const std::uint64_t bytes = static_cast<std::uint64_t>(m) * size + kBlockHeader;
+  char* const old = static_cast<char*>(mem) - kBlockHeader;
+#if defined(__GLIBC__)
+  if (m > n && malloc_usable_size(old) >= bytes) {
+    BlockHeader(mem)[1] = -m;
+    return mem;
+  }
+#else
+  static_cast<void>(n);
+#endif
+  char* const base = static_cast<char*>(zrRealloc(old, bytes));
+  reinterpret_cast<std::int32_t*>(base)[1] = -m;
+  return base + kBlockHeader;
 }
 
 }  // namespace zr::detail
@@ -204,14 +233,8 @@ void zrSimpleArray<T>::Reallocate(int n, int keep) {
     // A sole owner whose origin starts a block of exactly its length can have the block
     // resized where it lies: the result is the same exact-size private block.
     void* const mem = GetMem();
-    if (mem && mem == p_ && zrGetMemRef(mem) == 1 && zr::detail::BlockCount(mem) == n_) {
-      const std::uint64_t bytes =
-          static_cast<std::uint64_t>(n) * sizeof(T) + zr::detail::kBlockHeader;
-      char* const base =
-          static_cast<char*>(zrRealloc(static_cast<char*>(mem) - zr::detail::kBlockHeader, bytes));
-      auto* const header = reinterpret_cast<std::int32_t*>(base);
-      header[1] = -n;
-      T* const block = reinterpret_cast<T*>(base + zr::detail::kBlockHeader);
+    if (zr::detail::SoleWholeBlock(mem, p_, n_)) {
+      T* const block = static_cast<T*>(zr::detail::ResizeSoleBlock(mem, n_, n, sizeof(T)));
       InitMem(block);
       p_ = block;
       n_ = n;

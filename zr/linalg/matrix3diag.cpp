@@ -39,23 +39,107 @@ Bands BandsOf(const zrMatrix3Diag<double>& a) {
   return Bands{RunOf(a.Up()), RunOf(a.Diag()), RunOf(a.Down())};
 }
 
-// The sweep for n >= 1 unknowns; alpha and beta hold n - 1 elements. x may be b: b[i] is
-// read before x[i] is written.
-void Sweep(int n, const Bands& a, Run b, Run x, double* alpha, double* beta) {
+// The sweep for n >= 1 unknowns; alpha holds n - 1 elements, and so does beta, which may
+// be x itself (then each beta[i] sits where x[i] goes and the back pass overwrites it
+// with x[i] = x[i+1]*alpha[i] + beta[i], reading it first). x may be b: b[i] is read
+// before x[i] (or beta[i] in x) is written. R is Run or Flat (the unit-step case, which
+// the compiler keeps in plain pointer arithmetic).
+template <class R>
+void Sweep(int n, R up, R diag, R down, R b, R x, double* alpha, R beta) {
   if (n == 1) {
-    x[0] = b[0] / a.diag[0];
+    x[0] = b[0] / diag[0];
     return;
   }
+  alpha[0] = -up[0] / diag[0];
+  beta[0] = b[0] / diag[0];
+  for (int i = 1; i <= n - 2; ++i) {
+    const double d = down[i - 1] * alpha[i - 1] + diag[i];
+    alpha[i] = -up[i] / d;
+    beta[i] = (b[i] - down[i - 1] * beta[i - 1]) / d;
+  }
+  x[n - 1] = (b[n - 1] - down[n - 2] * beta[n - 2]) / (down[n - 2] * alpha[n - 2] + diag[n - 1]);
+  for (int i = n - 2; i >= 0; --i) x[i] = x[i + 1] * alpha[i] + beta[i];
+}
+
+// Element i of a run of doubles with unit step.
+struct Flat {
+  double* p;
+  double& operator[](int i) const { return p[i]; }
+};
+
+void Sweep(int n, const Bands& a, Run b, Run x, double* alpha, Run beta) {
+  if (a.up.step == 1 && a.diag.step == 1 && a.down.step == 1 && b.step == 1 && x.step == 1 &&
+      beta.step == 1) {
+    Sweep(n, Flat{a.up.p}, Flat{a.diag.p}, Flat{a.down.p}, Flat{b.p}, Flat{x.p}, alpha,
+          Flat{beta.p});
+  } else {
+    Sweep(n, a.up, a.diag, a.down, b, x, alpha, beta);
+  }
+}
+
+// The part of the sweep that depends on the matrix alone, n >= 2: alpha[i] for i < n - 1
+// and den[i], the denominator of row i (den[0] = Diag[0]), exactly as Sweep forms them.
+void Factor(int n, const Bands& a, double* alpha, double* den) {
+  den[0] = a.diag[0];
   alpha[0] = -a.up[0] / a.diag[0];
-  beta[0] = b[0] / a.diag[0];
   for (int i = 1; i <= n - 2; ++i) {
     const double d = a.down[i - 1] * alpha[i - 1] + a.diag[i];
+    den[i] = d;
     alpha[i] = -a.up[i] / d;
-    beta[i] = (b[i] - a.down[i - 1] * beta[i - 1]) / d;
   }
-  x[n - 1] =
-      (b[n - 1] - a.down[n - 2] * beta[n - 2]) / (a.down[n - 2] * alpha[n - 2] + a.diag[n - 1]);
-  for (int i = n - 2; i >= 0; --i) x[i] = x[i + 1] * alpha[i] + beta[i];
+  den[n - 1] = a.down[n - 2] * alpha[n - 2] + a.diag[n - 1];
+}
+
+// Sweep's right-hand-side part for k <= 4 columns at once (their chains interleave), with
+// beta kept in x; n >= 2. Column c reads b[c] and writes x[c], which may be b[c]. With
+// `fused` the matrix part is formed on the way into alpha (den is not used), else alpha
+// and den come from Factor.
+template <int k, bool fused>
+void SolveColumns(int n, const Bands& a, double* alpha, const double* den, const Run* b,
+                  const Run* x) {
+  double prev[k];
+  double d = fused ? a.diag[0] : den[0];
+  if (fused) alpha[0] = -a.up[0] / a.diag[0];
+  for (int c = 0; c < k; ++c) prev[c] = x[c][0] = b[c][0] / d;
+  for (int i = 1; i <= n - 1; ++i) {
+    const double dn = a.down[i - 1];
+    if (fused) {
+      d = dn * alpha[i - 1] + a.diag[i];
+      if (i <= n - 2) alpha[i] = -a.up[i] / d;
+    } else {
+      d = den[i];
+    }
+    for (int c = 0; c < k; ++c) prev[c] = x[c][i] = (b[c][i] - dn * prev[c]) / d;
+  }
+  for (int i = n - 2; i >= 0; --i) {
+    const double al = alpha[i];
+    for (int c = 0; c < k; ++c) prev[c] = x[c][i] = prev[c] * al + x[c][i];
+  }
+}
+
+void SolveColumns(int n, const Bands& a, double* alpha, const double* den, int k, const Run* b,
+                  const Run* x) {
+  switch (k) {
+    case 1:
+      SolveColumns<1, false>(n, a, alpha, den, b, x);
+      break;
+    case 2:
+      SolveColumns<2, false>(n, a, alpha, den, b, x);
+      break;
+    case 3:
+      SolveColumns<3, false>(n, a, alpha, den, b, x);
+      break;
+    default:
+      SolveColumns<4, false>(n, a, alpha, den, b, x);
+      break;
+  }
+}
+
+// Whether the solution may hold the sweep's intermediate values: its storage is a block
+// of its own that none of the diagonals holds (a right-hand side in it is fine).
+bool Apart(const zrPArray& x, const zrPArray& up, const zrPArray& diag, const zrPArray& down) {
+  const void* const mem = x.GetMem();
+  return mem && mem != up.GetMem() && mem != diag.GetMem() && mem != down.GetMem();
 }
 
 // LU factorisation of the five-diagonal matrix, n >= 3, with the forward substitution
@@ -123,7 +207,9 @@ zrMatrix3Diag<TT>& zrMatrix3Diag<TT>::operator=(const zrMatrix3Diag& other) {
 }
 
 template <class TT>
-zrMatrix3Diag<TT>::~zrMatrix3Diag() = default;
+zrMatrix3Diag<TT>::~zrMatrix3Diag() {
+  zrFree(work_);
+}
 
 template <class TT>
 void zrMatrix3Diag<TT>::Set(int n) {
@@ -366,15 +452,31 @@ zrMatrix3Diag<TT> zrMatrix3Diag<TT>::Fresh() const {
 // ---- Solvers ----
 
 template <class TT>
+TT* zrMatrix3Diag<TT>::Scratch(int n) const {
+  if (n > work_len_) {
+    zrFree(work_);
+    work_ = nullptr;
+    work_len_ = 0;
+    work_ = static_cast<TT*>(zrMalloc(static_cast<std::uint64_t>(n) * sizeof(TT)));
+    work_len_ = n;
+  }
+  return work_;
+}
+
+template <class TT>
 void zrMatrix3Diag<TT>::SolveEquationChaserMethod(zrColumnVector<TT>& x,
                                                   const zrColumnVector<TT>& b) const {
   const int n = LineLen();
   if (b.Len() != n) throw BadParameters("different size.");
-  Work alpha(n - 1), beta(n - 1);
+  // beta goes into x unless x may overlap the matrix (a new x never does). The scratch is
+  // taken before x changes.
+  const bool apart = x.Len() != n || zr::detail::Apart(x, up_, diag_, down_);
+  double* const alpha = Scratch(apart ? n - 1 : 2 * (n - 1));
   x.Init(n);
-  if (n > 0)
-    zr::detail::Sweep(n, zr::detail::BandsOf(*this), zr::detail::RunOf(b), zr::detail::RunOf(x),
-                      alpha.get(), beta.get());
+  if (n == 0) return;
+  const Run xs = zr::detail::RunOf(x);
+  zr::detail::Sweep(n, zr::detail::BandsOf(*this), zr::detail::RunOf(b), xs, alpha,
+                    apart ? xs : Run{alpha + (n - 1), 1});
 }
 
 template <class TT>
@@ -382,13 +484,32 @@ void zrMatrix3Diag<TT>::SolveEquationChaserMethod(zrMatrix<TT>& X, const zrMatri
   const int n = LineLen();
   const int cols = B.LineLen();
   if (cols > 0 && B.ColumnLen() != n) throw BadParameters("different size.");
-  Work alpha(n - 1), beta(n - 1);
+  const bool apart = X.ColumnLen() != B.ColumnLen() || X.LineLen() != cols ||
+                     zr::detail::Apart(X, up_, diag_, down_);
+  double* const work = Scratch(apart ? 2 * n - 1 : 2 * (n - 1));
   X.Init(B.ColumnLen(), cols);
-  if (n == 0) return;
+  if (n == 0 || cols == 0) return;
   const Bands a = zr::detail::BandsOf(*this);
-  for (int j = 0; j < cols; ++j)
-    zr::detail::Sweep(n, a, Run{&B(0, j), B.TabInColumn()}, Run{&X(0, j), X.TabInColumn()},
-                      alpha.get(), beta.get());
+  if (n == 1 || !apart) {
+    for (int j = 0; j < cols; ++j)
+      zr::detail::Sweep(n, a, Run{&B(0, j), B.TabInColumn()}, Run{&X(0, j), X.TabInColumn()}, work,
+                        Run{work + (n - 1), 1});
+    return;
+  }
+  // The matrix part once, then the columns four at a time, each with beta in its column of
+  // X.
+  double* const alpha = work;
+  double* const den = alpha + (n - 1);
+  zr::detail::Factor(n, a, alpha, den);
+  for (int j = 0; j < cols; j += 4) {
+    const int k = cols - j < 4 ? cols - j : 4;
+    Run bs[4], xs[4];
+    for (int c = 0; c < k; ++c) {
+      bs[c] = Run{&B(0, j + c), B.TabInColumn()};
+      xs[c] = Run{&X(0, j + c), X.TabInColumn()};
+    }
+    zr::detail::SolveColumns(n, a, alpha, den, k, bs, xs);
+  }
 }
 
 template <class TT>
@@ -399,17 +520,33 @@ void zrMatrix3Diag<TT>::SolveEquationCycleChaserMethod(zrColumnVector<TT>& x,
   if (n < 3 || b.Len() != n) throw BadParameters("different size.");
   const TT t = top, bt = bottom;  // read before x is written: they may be its elements
   const int m = n - 1;
-  Work alpha(m - 1), beta(m - 1), w(m), z(m);
+  // Scratch: alpha (m - 1), z (m), and beta (m - 1) when x may overlap the matrix; taken
+  // before x changes.
+  const bool apart = x.Len() != n || zr::detail::Apart(x, up_, diag_, down_);
+  double* const alpha = Scratch(2 * m - 1 + (apart ? 0 : m - 1));
+  double* const zz = alpha + (m - 1);
   x.Init(n);
   const Bands a = zr::detail::BandsOf(*this);
   const Run xs = zr::detail::RunOf(x), bs = zr::detail::RunOf(b);
-  // The leading block solves for u = x[0 .. m-1] and for the coupling column z.
-  zr::detail::Sweep(m, a, bs, xs, alpha.get(), beta.get());
-  for (int i = 0; i < m; ++i) w.get()[i] = 0;
-  w.get()[0] = t;
-  w.get()[m - 1] = a.up[n - 2];
-  zr::detail::Sweep(m, a, w.run(), z.run(), alpha.get(), beta.get());
-  const double* zz = z.get();
+  const Run z{zz, 1};
+  // The coupling column z solves T'z = w, w = (top, 0, ..., 0, Up[n-2]) built in z.
+  const auto coupling = [&] {
+    for (int i = 0; i < m; ++i) zz[i] = 0;
+    zz[0] = t;
+    zz[m - 1] = a.up[n - 2];
+  };
+  // The leading block solves for u = x[0 .. m-1] and for z.
+  if (apart) {
+    coupling();
+    const Run rhs[2] = {bs, z};
+    const Run sol[2] = {xs, z};
+    zr::detail::SolveColumns<2, true>(m, a, alpha, nullptr, rhs, sol);
+  } else {
+    const Run beta{zz + m, 1};
+    zr::detail::Sweep(m, a, bs, xs, alpha, beta);
+    coupling();
+    zr::detail::Sweep(m, a, z, z, alpha, beta);
+  }
   const double last = (bs[n - 1] - bt * xs[0] - a.down[n - 2] * xs[n - 2]) /
                       (a.diag[n - 1] - a.down[n - 2] * zz[n - 2] - bt * zz[0]);
   xs[n - 1] = last;

@@ -15,12 +15,15 @@
 /// view); Copy() makes every diagonal private. Arithmetic that returns a new matrix
 /// gives fresh storage.
 ///
-/// The solvers never change the matrix. They do no pivoting and no test for a zero
-/// denominator: they are meant for diagonally dominant systems (splines, smoothing), and a
-/// zero divides through as the arithmetic gives it. The solution vector is re-created
-/// with length n when its length differs, otherwise written in place (a window writes
-/// through). It may be the right-hand side itself: every b[i] is read before x[i] is
-/// written. Partly overlapping windows of one block are not supported.
+/// The solvers never change the matrix's values. They keep their work space with the
+/// matrix (it grows to the largest system solved and is freed with the matrix; copies do
+/// not take it), so one matrix must not solve in two threads at once. They do no
+/// pivoting and no test for a zero denominator: they are meant for diagonally dominant
+/// systems (splines, smoothing), and a zero divides through as the arithmetic gives it.
+/// The solution vector is re-created with length n when its length differs, otherwise
+/// written in place (a window writes through). It may be the right-hand side itself:
+/// every b[i] is read before x[i] is written. Partly overlapping windows of one block are
+/// not supported.
 ///
 /// The template parameter is TT because T() is a member.
 #pragma once
@@ -207,10 +210,16 @@ class ZR_API zrMatrix3Diag : public zrUsingNew {
  private:
   // A deep copy with fresh storage.
   zrMatrix3Diag Fresh() const;
+  // The solvers' work space, at least n elements: it grows only and lives as long as the
+  // matrix, so repeated solves take no memory.
+  TT* Scratch(int n) const;
 
   zrVector<TT> up_;    // (i, i+1), n - 1 elements
   zrVector<TT> diag_;  // (i, i), n elements
   zrVector<TT> down_;  // (i+1, i), n - 1 elements
+  // The solvers' work space; never copied or shared, freed with the matrix.
+  mutable TT* work_ = nullptr;
+  mutable int work_len_ = 0;
 };
 
 ZR_EXTERN_TEMPLATE(class, zrMatrix3Diag<double>);

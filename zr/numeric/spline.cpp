@@ -1,6 +1,8 @@
 #include "zr/numeric/spline.h"
 
 #include <cmath>
+#include <cstdint>
+#include <limits>
 
 namespace zr::detail {
 namespace {
@@ -12,6 +14,64 @@ const double kCheckTolerance = 0.01;
 int Close(double a, double b) { return std::fabs(a - b) <= kCheckTolerance ? 1 : 0; }
 
 int CodeAt(const zrSimpleArray<int>& codes, int i) { return i < codes.Len() ? codes[i] : 0; }
+
+// The search tree's node 0 (unused) starts a 64-byte line, so nodes 8k ... 8k + 7 share
+// one.
+template <class TT>
+TT* AlignedNodes(TT* p) {
+  const auto at = reinterpret_cast<std::uintptr_t>(p);
+  return p + (64 - at % 64) % 64 / sizeof(TT);
+}
+
+// Polynomial of a record (koef coefficients, PowerKoef about r[0]) at x, m-th derivative,
+// in zrPolynom's operations and order.
+template <class TT>
+TT RecordValue(const TT* r, int koef, TT x) {
+  const TT* c = r + 2;
+  const TT t = x + (TT{} - r[0]);
+  TT p = c[0];
+  for (int i = 1; i < koef; ++i) p = p * t + c[i];
+  return p;
+}
+
+// Check()'s tests on cubic records: segment a within the tolerance of its two end points
+// (the next record's abscissa and ordinate follow at a + kRecord), and the first and
+// second derivatives of segments a and b (the next one) agreeing at b's node, formed as
+// zrPolynom<TT>::Derivative forms them (the falling-factorial weights 3, 2, 1 and 6, 2 are
+// exact).
+template <class TT, int kRecord>
+bool CubicEndsClose(const TT* a) {
+  return Close(RecordValue(a, 4, a[0]), a[1]) &&
+         Close(RecordValue(a, 4, a[kRecord]), a[kRecord + 1]);
+}
+
+template <class TT>
+bool CubicJointClose(const TT* a, const TT* b) {
+  const TT ta = b[0] + (TT{} - a[0]);
+  const TT tb = b[0] + (TT{} - b[0]);
+  const TT a1 = ((a[2] * 3.0) * ta + a[3] * 2.0) * ta + a[4] * 1.0;
+  const TT b1 = ((b[2] * 3.0) * tb + b[3] * 2.0) * tb + b[4] * 1.0;
+  const TT a2 = (a[2] * 6.0) * ta + a[3] * 2.0;
+  const TT b2 = (b[2] * 6.0) * tb + b[3] * 2.0;
+  return Close(a1, b1) && Close(a2, b2);
+}
+
+template <class TT>
+TT RecordDerivative(const TT* r, int koef, TT x, int m) {
+  if (m >= koef) return TT{};
+  const TT* c = r + 2;
+  const TT t = x + (TT{} - r[0]);
+  const int k = koef - m;
+  auto weighted = [&](int i) {
+    const int d = koef - 1 - i;
+    TT f = static_cast<TT>(1);
+    for (int j = 0; j < m; ++j) f = f * static_cast<TT>(d - j);
+    return c[i] * f;
+  };
+  TT p = weighted(0);
+  for (int i = 1; i < k; ++i) p = p * t + weighted(i);
+  return p;
+}
 
 }  // namespace
 }  // namespace zr::detail
@@ -28,7 +88,12 @@ zrSpline<TT>::zrSpline(const zrSpline& other)
     : zrUsingNew(other),
       segments_(other.segments_),
       points_(other.points_),
-      increasing_(other.increasing_) {}
+      records_(other.records_),
+      koef_(other.koef_),
+      increasing_(other.increasing_) {
+  // The tree's alignment belongs to its block, so the copy lays out its own.
+  if (increasing_ && records_.Len() > 0) depth_ = MakeTree(records_, tree_);
+}
 
 template <class TT>
 zrSpline<TT>& zrSpline<TT>::operator=(const zrSpline& other) {
@@ -36,6 +101,10 @@ zrSpline<TT>& zrSpline<TT>::operator=(const zrSpline& other) {
   zrSpline copy(other);  // everything that may throw happens before anything changes
   segments_.swap(copy.segments_);
   points_.swap(copy.points_);
+  records_.swap(copy.records_);
+  tree_.swap(copy.tree_);
+  koef_ = copy.koef_;
+  depth_ = copy.depth_;
   increasing_ = copy.increasing_;
   return *this;
 }
@@ -54,9 +123,56 @@ void zrSpline<TT>::Set(const zrSimpleArray<zrColumnVector<TT>>& points) {
   int increasing = 1;
   for (int i = 1; i < n; ++i)
     if (!(copy[i][0] >= copy[i - 1][0])) increasing = 0;
+  zrSimpleArray<TT> records, tree;
+  MakeRecords(copy, records);
+  const int depth = increasing ? MakeTree(records, tree) : 0;
   points_.swap(copy);
   segments_.swap(segments);
+  records_.swap(records);
+  tree_.swap(tree);
+  koef_ = 0;
+  depth_ = depth;
   increasing_ = increasing;
+}
+
+template <class TT>
+void zrSpline<TT>::MakeRecords(const zrSimpleArray<zrColumnVector<TT>>& points,
+                               zrSimpleArray<TT>& records) {
+  const int n = points.Len();
+  records.Set(n * kRecord);
+  TT* r = records.GetPointer();
+  for (int i = 0; i < n; ++i, r += kRecord) {
+    r[0] = points[i][0];
+    r[1] = points[i][1];
+    for (int j = 2; j < kRecord; ++j) r[j] = TT{};
+  }
+}
+
+template <class TT>
+int zrSpline<TT>::MakeTree(const zrSimpleArray<TT>& records, zrSimpleArray<TT>& tree) {
+  // Keys x_1 ... x_(n-2), m of them; a complete tree of depth levels holds 2^depth - 1.
+  const int m = records.Len() / kRecord - 2;
+  int depth = 1;
+  while ((1LL << depth) - 1 < m) ++depth;
+  const int size = static_cast<int>((1LL << depth) - 1);
+  tree.Set(size + 1 + 64 / static_cast<int>(sizeof(TT)));
+  TT* const nodes = zr::detail::AlignedNodes(tree.GetPointer());
+  const TT* const r = records.GetPointer();
+  // Node k on level l (k = 2^l + j) holds key (2j + 1) * 2^(depth-1-l) - 1 in sorted order.
+  for (int l = 0; l < depth; ++l) {
+    const int first = 1 << l;
+    const int span = 1 << (depth - 1 - l);
+    for (int j = 0; j < first; ++j) {
+      const int key = (2 * j + 1) * span - 1;
+      nodes[first + j] = key < m ? r[(key + 1) * kRecord] : std::numeric_limits<TT>::infinity();
+    }
+  }
+  return depth;
+}
+
+template <class TT>
+const TT* zrSpline<TT>::TreeNodes() const {
+  return zr::detail::AlignedNodes(tree_.GetPointer());
 }
 
 template <class TT>
@@ -77,21 +193,40 @@ int zrSpline<TT>::CountConditions(const zrSimpleArray<int>& codes,
 }
 
 template <class TT>
-void zrSpline<TT>::BuildSegments3(const zrColumnVector<TT>& moments, int periodic) {
+void zrSpline<TT>::SetSegment(int i, const zrColumnVector<TT>& k) {
+  TT* const r = records_.GetPointer() + static_cast<std::int64_t>(i) * kRecord;
+  segments_[i].SetKoef(k, r[0], zrPolynom<TT>::PowerKoef);
+  for (int j = 0; j < k.Len(); ++j) r[2 + j] = k[j];
+}
+
+template <class TT>
+void zrSpline<TT>::BuildSegments3(const TT* moments, int periodic) {
   const int n = points_.Len();
+  const TT* const r = records_.GetPointer();
+  const auto x = [r](int i) { return r[static_cast<std::int64_t>(i) * kRecord]; };
+  const auto y = [r](int i) { return r[static_cast<std::int64_t>(i) * kRecord + 1]; };
+  // After a cubic build on these points every segment is already a PowerKoef cubic about
+  // its node, so SetKoef would only copy the values in place: they are written directly.
+  const bool cubic = koef_ == 4;
   zrColumnVector<TT> k(4);
+  koef_ = 0;  // the records lag behind the polynomials until every segment is set
   for (int i = 0; i < n - 1; ++i) {
     const int wrap = periodic != 0 && i == n - 2;
-    const TT h = X(i + 1) - X(i);
+    const TT h = x(i + 1) - x(i);
     const TT m0 = moments[i];
     const TT m1 = wrap ? moments[0] : moments[i + 1];
-    const TT y1 = wrap ? Y(0) : Y(i + 1);
-    k[0] = (m1 - m0) / (6 * h);
-    k[1] = 0.5 * m0;
-    k[2] = (y1 - Y(i)) / h - (m1 / 6 + m0 / 3) * h;
-    k[3] = Y(i);
-    segments_[i].SetKoef(k, X(i), zrPolynom<TT>::PowerKoef);
+    const TT y1 = wrap ? y(0) : y(i + 1);
+    const TT c[4] = {(m1 - m0) / (6 * h), 0.5 * m0, (y1 - y(i)) / h - (m1 / 6 + m0 / 3) * h, y(i)};
+    if (cubic) {
+      zrPolynom<TT>& p = segments_[i];
+      TT* const r = records_.GetPointer() + static_cast<std::int64_t>(i) * kRecord;
+      for (int j = 0; j < 4; ++j) p[j] = r[2 + j] = c[j];
+    } else {
+      for (int j = 0; j < 4; ++j) k[j] = c[j];
+      SetSegment(i, k);
+    }
   }
+  koef_ = 4;
 }
 
 template <class TT>
@@ -101,52 +236,89 @@ void zrSpline<TT>::MkSpline3(const zrSimpleArray<int>& codes, const zrMatrix<TT>
   if (CountConditions(codes, values) != 2)
     throw BadParameters("Invalid number of bound condition.");
 
-  zrColumnVector<TT> h(n - 1);
-  for (int i = 0; i < n - 1; ++i) h[i] = X(i + 1) - X(i);
+  // The tridiagonal system for the moments, Diag = 2.0 and the interior rows as
+  // documented, is set up row by row inside zrMatrix3Diag's sweep:
+  //   alpha[0] = -Up[0] / Diag[0], beta[0] = d[0] / Diag[0];
+  //   row i: den = Down[i-1]*alpha[i-1] + Diag[i], alpha[i] = -Up[i] / den,
+  //          beta[i] = (d[i] - Down[i-1]*beta[i-1]) / den;
+  //   M[n-1] = (d[n-1] - Down[n-2]*beta[n-2]) / (Down[n-2]*alpha[n-2] + Diag[n-1]);
+  //   M[i] = M[i+1]*alpha[i] + beta[i],
+  // the same operations in the same order, without building the matrix.
+  const TT* const r = records_.GetPointer();
+  const auto x = [r](int i) { return r[static_cast<std::int64_t>(i) * kRecord]; };
+  const auto y = [r](int i) { return r[static_cast<std::int64_t>(i) * kRecord + 1]; };
 
-  zrMatrix3Diag<TT> a(n);
-  a.Diag().Fill(2.0);
-  zrVector<TT>& up = a.Up();
-  zrVector<TT>& down = a.Down();
-  zrColumnVector<TT> d(n);
-  // The end rows start as 2*M = 0; the conditions below rewrite them.
-  up[0] = 0;
-  down[n - 2] = 0;
-  d[0] = 0;
-  d[n - 1] = 0;
-  for (int i = 1; i < n - 1; ++i) {
-    const TT s = h[i - 1] + h[i];
-    const TT l = h[i] / s;
-    down[i - 1] = 1 - l;
-    up[i] = l;
-    d[i] = 6 / s * ((Y(i + 1) - Y(i)) / h[i] - (Y(i) - Y(i - 1)) / h[i - 1]);
-  }
-
+  // The end rows start as 2*M = 0; the conditions rewrite them.
+  TT diag0 = 2.0, up0 = 0, d0 = 0;
+  TT diagN = 2.0, downN = 0, dN = 0;
+  const TT hFirst = x(1) - x(0);
+  const TT hLast = x(n - 1) - x(n - 2);
   const int first = zr::detail::CodeAt(codes, 0);
   const int second = zr::detail::CodeAt(codes, 1);
   if (first & 1) {
-    up[0] = 1;
-    d[0] = (6 / h[0]) * ((Y(1) - Y(0)) / h[0] - values(0, 0));
+    up0 = 1;
+    d0 = (6 / hFirst) * ((y(1) - y(0)) / hFirst - values(0, 0));
   }
   if (first & 2) {
-    down[n - 2] = 1;
-    d[n - 1] = (6 / h[n - 2]) * (values(0, 1) - (Y(n - 1) - Y(n - 2)) / h[n - 2]);
+    downN = 1;
+    dN = (6 / hLast) * (values(0, 1) - (y(n - 1) - y(n - 2)) / hLast);
   }
   if (second & 1) {
-    a.Diag()[0] = 1;
-    up[0] = 0;
-    d[0] = values(1, 0);
+    diag0 = 1;
+    up0 = 0;
+    d0 = values(1, 0);
   }
   if (second & 2) {
-    a.Diag()[n - 1] = 1;
-    down[n - 2] = 0;
-    d[n - 1] = values(1, 1);
+    diagN = 1;
+    downN = 0;
+    dN = values(1, 1);
   }
 
-  zrColumnVector<TT> moments;
-  a.SolveEquationChaserMethod(moments, d);
-  BuildSegments3(moments, 0);
-  if (!Check()) throw BadParameters("error in spline");
+  // alpha (n - 1) and the moments (n), which hold beta on the way down.
+  zrSimpleArray<TT> work(2 * n);
+  TT* const alpha = work.GetPointer();
+  TT* const moments = alpha + n;
+  alpha[0] = -up0 / diag0;
+  moments[0] = d0 / diag0;
+  TT hPrev = hFirst;
+  for (int i = 1; i < n - 1; ++i) {
+    const TT h = x(i + 1) - x(i);
+    const TT s = hPrev + h;
+    const TT l = h / s;
+    const TT down = 1 - l;  // Down[i-1]; Up[i] = l
+    const TT d = 6 / s * ((y(i + 1) - y(i)) / h - (y(i) - y(i - 1)) / hPrev);
+    const TT den = down * alpha[i - 1] + 2.0;
+    alpha[i] = -l / den;
+    moments[i] = (d - down * moments[i - 1]) / den;
+    hPrev = h;
+  }
+  moments[n - 1] = (dN - downN * moments[n - 2]) / (downN * alpha[n - 2] + diagN);
+  if (koef_ != 4) {
+    for (int i = n - 2; i >= 0; --i) moments[i] = moments[i + 1] * alpha[i] + moments[i];
+    BuildSegments3(moments, 0);
+    if (!Check()) throw BadParameters("error in spline");
+    return;
+  }
+  // Over an earlier cubic the segments are written in place (as BuildSegments3 does) as
+  // soon as their two moments are known, and Check()'s tests run on them there: the
+  // divisions of the coefficients fill the wait of the back substitution.
+  koef_ = 0;
+  bool ok = true;
+  for (int i = n - 2; i >= 0; --i) {
+    moments[i] = moments[i + 1] * alpha[i] + moments[i];
+    const TT h = x(i + 1) - x(i);
+    const TT m0 = moments[i];
+    const TT m1 = moments[i + 1];
+    const TT c[4] = {(m1 - m0) / (6 * h), 0.5 * m0, (y(i + 1) - y(i)) / h - (m1 / 6 + m0 / 3) * h,
+                     y(i)};
+    zrPolynom<TT>& p = segments_[i];
+    TT* const rec = records_.GetPointer() + static_cast<std::int64_t>(i) * kRecord;
+    for (int j = 0; j < 4; ++j) p[j] = rec[2 + j] = c[j];
+    ok = ok && zr::detail::CubicEndsClose<TT, kRecord>(rec) &&
+         (i == n - 2 || zr::detail::CubicJointClose(rec, rec + kRecord));
+  }
+  koef_ = 4;
+  if (!ok) throw BadParameters("error in spline");
 }
 
 template <class TT>
@@ -193,7 +365,7 @@ void zrSpline<TT>::MkPeriodSpline3() {
   } else {
     a.SolveEquationCycleChaserMethod(moments, d, top, bottom);
   }
-  BuildSegments3(moments, 1);
+  BuildSegments3(&moments[0], 1);
   if (!Check()) throw BadParameters("error in spline");
 }
 
@@ -209,36 +381,91 @@ void zrSpline<TT>::Make(int degree, const zrSimpleArray<int>& codes, const zrMat
   if (CountConditions(codes, values) != 0)
     throw BadParameters("Invalid number of bound condition.");
   zrColumnVector<TT> k(2);
+  koef_ = 0;
   for (int i = 0; i < n - 1; ++i) {
     k[0] = (Y(i + 1) - Y(i)) / (X(i + 1) - X(i));
     k[1] = Y(i);
-    segments_[i].SetKoef(k, X(i), zrPolynom<TT>::PowerKoef);
+    SetSegment(i, k);
   }
+  koef_ = 2;
   if (!Check()) throw BadParameters("error in spline");
+}
+
+template <class TT>
+int zrSpline<TT>::Search(const TT& x) const {
+  const int n = points_.Len();
+  if (increasing_) {
+    // The first i >= 1 with x_i > x, less one, is the number of keys x_1 ... x_(n-2) that
+    // are <= x (n - 2 at most). Descending the complete tree, right when the key is <= x,
+    // ends at leaf 2^depth + that number; the padding keys (+infinity, after every real
+    // key) only count for x = +infinity, where the bound takes over.
+    const TT* const nodes = TreeNodes();
+    const auto base = reinterpret_cast<std::uintptr_t>(nodes);
+    std::uint64_t k = 1;
+    for (int l = 0; l < depth_; ++l) {
+      // Three levels ahead: the eight descendants of k there share one line.
+      __builtin_prefetch(reinterpret_cast<const void*>(base + 8 * k * sizeof(TT)));
+      k = 2 * k + (nodes[k] <= x ? 1 : 0);
+    }
+    const std::int64_t count = static_cast<std::int64_t>(k - (std::uint64_t{1} << depth_));
+    return count < n - 2 ? static_cast<int>(count) : n - 2;
+  }
+  const TT* const r = records_.GetPointer();
+  for (int i = 1; i < n; ++i)
+    if (r[static_cast<std::int64_t>(i) * kRecord] > x) return i - 1;
+  return n - 2;
 }
 
 template <class TT>
 int zrSpline<TT>::GetSegmentNum(const TT& x) const {
   const int n = points_.Len();
-  if (n <= 1 || !(X(0) <= x && x <= X(n - 1))) throw BadParameters(zr::detail::kOutOfRange);
-  if (increasing_) {
-    // x_i > x is false, then true along i, so the first true one is found by halving.
-    int first = 1;
-    int len = n - 1;
-    while (len > 0) {
-      const int half = len / 2;
-      if (X(first + half) > x) {
-        len = half;
+  const TT* const r = records_.GetPointer();
+  if (n <= 1 || !(r[0] <= x && x <= r[static_cast<std::int64_t>(n - 1) * kRecord]))
+    throw BadParameters(zr::detail::kOutOfRange);
+  return Search(x);
+}
+
+template <class TT>
+int zrSpline<TT>::GetSegmentNum(const TT& x, int& hint) const {
+  const int n = points_.Len();
+  const TT* const r = records_.GetPointer();
+  if (n <= 1 || !(r[0] <= x && x <= r[static_cast<std::int64_t>(n - 1) * kRecord]))
+    throw BadParameters(zr::detail::kOutOfRange);
+  if (increasing_ && hint >= 0 && hint <= n - 2 &&
+      r[static_cast<std::int64_t>(hint) * kRecord] <= x) {
+    // From lo = hint (x_lo <= x, and so is every earlier abscissa) the first i with
+    // x_i > x is found by doubling steps, then halving; i = n stands for "none".
+    const auto x_at = [r](int i) { return r[static_cast<std::int64_t>(i) * kRecord]; };
+    int lo = hint;
+    int hi = n;
+    for (int step = 1; lo + step <= n - 1; step *= 2) {
+      if (x_at(lo + step) > x) {
+        hi = lo + step;
+        break;
+      }
+      lo += step;
+    }
+    while (hi - lo > 1) {
+      const int mid = lo + (hi - lo) / 2;
+      if (x_at(mid) > x) {
+        hi = mid;
       } else {
-        first += half + 1;
-        len -= half + 1;
+        lo = mid;
       }
     }
-    return first < n ? first - 1 : n - 2;
+    hint = hi - 1 < n - 2 ? hi - 1 : n - 2;
+    return hint;
   }
-  for (int i = 1; i < n; ++i)
-    if (X(i) > x) return i - 1;
-  return n - 2;
+  hint = Search(x);
+  return hint;
+}
+
+template <class TT>
+TT zrSpline<TT>::EvalSegment(int seg, const TT& x) const {
+  if (koef_ > 0)
+    return zr::detail::RecordValue(records_.GetPointer() + static_cast<std::int64_t>(seg) * kRecord,
+                                   koef_, x);
+  return segments_[seg](x);
 }
 
 template <class TT>
@@ -249,12 +476,18 @@ const zrPolynom<TT>& zrSpline<TT>::Segment(int seg) const {
 
 template <class TT>
 TT zrSpline<TT>::operator()(const TT& x) const {
-  return segments_[GetSegmentNum(x)](x);
+  return EvalSegment(GetSegmentNum(x), x);
+}
+
+template <class TT>
+TT zrSpline<TT>::Value(const TT& x, int& hint) const {
+  return EvalSegment(GetSegmentNum(x, hint), x);
 }
 
 template <class TT>
 TT zrSpline<TT>::operator()(const TT& x, int seg) const {
-  return Segment(seg)(x);
+  Segment(seg);  // the range check
+  return EvalSegment(seg, x);
 }
 
 template <class TT>
@@ -277,6 +510,30 @@ TT zrSpline<TT>::Derivative(int m, int i) const {
 template <class TT>
 int zrSpline<TT>::Check() const {
   const int segs = segments_.Len();
+  if (koef_ > 0) {
+    // The same values from the records, which hold exactly the polynomials' data.
+    const TT* const r = records_.GetPointer();
+    const auto at = [r](int i) { return r + static_cast<std::int64_t>(i) * kRecord; };
+    for (int i = 0; i < segs; ++i) {
+      const TT* const p = at(i);
+      if (!zr::detail::Close(zr::detail::RecordValue(p, koef_, p[0]), p[1]) ||
+          !zr::detail::Close(zr::detail::RecordValue(p, koef_, p[kRecord]), p[kRecord + 1]))
+        return 0;
+    }
+    if (koef_ == 4) {
+      for (int i = 1; i < segs; ++i)
+        if (!zr::detail::CubicJointClose(at(i - 1), at(i))) return 0;
+      return 1;
+    }
+    for (int i = 1; i < segs; ++i) {
+      const TT xi = at(i)[0];
+      for (int j = 1; j <= koef_ - 2; ++j)
+        if (!zr::detail::Close(zr::detail::RecordDerivative(at(i - 1), koef_, xi, j),
+                               zr::detail::RecordDerivative(at(i), koef_, xi, j)))
+          return 0;
+    }
+    return 1;
+  }
   for (int i = 0; i < segs; ++i) {
     const zrPolynom<TT>& p = segments_[i];
     if (!zr::detail::Close(p(X(i)), Y(i)) || !zr::detail::Close(p(X(i + 1)), Y(i + 1))) return 0;

@@ -5,6 +5,9 @@
 /// The spline owns two arrays, both private to it:
 ///   segments  n - 1 zrPolynom<TT>; segment i covers [x_i, x_(i+1)] and is centred at x_i;
 ///   points    n zrColumnVector<TT>; element 0 of point i is x_i, element 1 is y_i.
+/// Beside them it keeps the same numbers in flat form for evaluation (the abscissas,
+/// ordinates and built coefficients side by side, and the search tree), some 60 bytes a
+/// point; values computed from them are exactly the polynomials' values.
 /// Constructing from points, Set, the copy constructor and operator= copy values (the
 /// arrays' element-wise copies), so nothing the caller holds is shared with the spline.
 /// The abscissas must not decrease; that is not rejected, but the builders then fail
@@ -55,10 +58,12 @@
 /// Evaluation. GetSegmentNum(x) requires n > 1 and x_0 <= x <= x_(n-1) and returns i - 1
 /// for the first i in 1 ... n-1 with x_i > x, n - 2 when there is none (x = x_(n-1)). When
 /// the abscissas do not decrease (decided whenever the points are taken) this index is
-/// found by bisection, which gives the same answer as the scan, ties included; otherwise
-/// the scan itself runs. The explicit-segment forms require 0 <= seg < n - 1 and do not
-/// look at x; Derivative(m, i) requires 0 <= i < n and evaluates segment i at x_i (segment
-/// n - 2 for the last point).
+/// found by a branch-free descent of a search tree kept with the points (x_1 ... x_(n-2)
+/// by levels), which gives the same answer as the scan, ties included; otherwise the scan
+/// itself runs. GetSegmentNum(x, hint) and Value(x, hint) search forward from a previous
+/// answer, for queries that come in increasing order. The explicit-segment forms require
+/// 0 <= seg < n - 1 and do not look at x; Derivative(m, i) requires 0 <= i < n and
+/// evaluates segment i at x_i (segment n - 2 for the last point).
 ///
 /// Errors (BadParameters): "Spline: number of point must be >= 3" (fewer than 3 points),
 /// "Spline: point must have 2 coordinates" (a point with fewer elements),
@@ -97,6 +102,13 @@ class ZR_API zrSpline : public zrUsingNew {
 
   int GetNumberOfPoint() const { return points_.Len(); }
   int GetSegmentNum(const TT& x) const;
+  /// GetSegmentNum(x) that starts from segment hint and searches forward from it when
+  /// x_hint <= x (any other hint, one out of range included, is ignored), leaving the
+  /// result in hint. The index is the same as without a hint; queries in increasing order
+  /// find theirs in a few comparisons.
+  int GetSegmentNum(const TT& x, int& hint) const;
+  /// operator()(x) through GetSegmentNum(x, hint).
+  TT Value(const TT& x, int& hint) const;
 
   TT operator()(const TT& x) const;
   TT operator()(const TT& x, int seg) const;
@@ -114,11 +126,35 @@ class ZR_API zrSpline : public zrUsingNew {
   // The end-condition count of codes and the values they use, checked; throws before
   // anything is built.
   int CountConditions(const zrSimpleArray<int>& codes, const zrMatrix<TT>& values) const;
-  void BuildSegments3(const zrColumnVector<TT>& moments, int periodic);
+  void BuildSegments3(const TT* moments, int periodic);
+  // Segment i's coefficients (count koef) into its polynomial and its record.
+  void SetSegment(int i, const zrColumnVector<TT>& k);
+  // The records' abscissas and ordinates of points, and the search tree over them.
+  static void MakeRecords(const zrSimpleArray<zrColumnVector<TT>>& points,
+                          zrSimpleArray<TT>& records);
+  static int MakeTree(const zrSimpleArray<TT>& records, zrSimpleArray<TT>& tree);
+  // The search for non-decreasing abscissas and for any, x within the nodes.
+  int Search(const TT& x) const;
+  // Segment seg at x as its polynomial evaluates it, from the record when it is current.
+  TT EvalSegment(int seg, const TT& x) const;
 
   zrSimpleArray<zrPolynom<TT>> segments_;     // n - 1, segment i about x_i
   zrSimpleArray<zrColumnVector<TT>> points_;  // n points (x, y), private copies
-  int increasing_ = 1;                        // abscissas do not decrease
+
+  // The same data laid out for evaluation: record i = (x_i, y_i, c0, c1, c2, c3) of
+  // segment i (the coefficients of the last record unused); koef_ is the coefficient
+  // count of every segment when the records hold the segments (2 or 4), else 0 and the
+  // polynomials are used.
+  static constexpr int kRecord = 6;
+  zrSimpleArray<TT> records_;
+  int koef_ = 0;
+  // For non-decreasing abscissas: x_1 ... x_(n-2) as a complete binary search tree stored
+  // by levels (node k has children 2k and 2k + 1), padded with +infinity to 2^depth_ - 1
+  // keys; node 0 (unused) sits at a 64-byte boundary inside tree_.
+  zrSimpleArray<TT> tree_;
+  int depth_ = 0;
+  const TT* TreeNodes() const;
+  int increasing_ = 1;  // abscissas do not decrease
 };
 
 ZR_EXTERN_TEMPLATE(class, zrSpline<double>);
