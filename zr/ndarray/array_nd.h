@@ -66,6 +66,16 @@
 #include "zr/ndarray/array_nd_abs.h"
 #include "zr/ndarray/round_array_nd.h"
 
+namespace zr::detail {
+// The element operation of a two-operand walk, for the vector kernels that know it.
+enum class NDOp { kAssign, kAdd, kSub, kMul, kDiv, kOther };
+
+// Caps the vector kernels of the element walks (0 none, 1 four-wide, 2 eight-wide; never
+// above what the processor has) and returns the cap before. For tests that compare the
+// kernels with the plain walk.
+ZR_API int NDVectorLevel(int level);
+}  // namespace zr::detail
+
 template <class T>
 class ZR_API zrArrayND : public zrArrayNDAbs {
   ZR_TYPE_IDENTITY
@@ -266,7 +276,7 @@ class ZR_API zrArrayND : public zrArrayNDAbs {
   void View(const zrPArray& holder, T* origin, const zrArray<int>& range, const zrArray<int>& tab);
   template <class F>
   void Each(F f);
-  template <class F>
+  template <zr::detail::NDOp op, class F>
   void EachPair(const zrArrayND& other, F f);
 
   T* p_ = nullptr;  // element at multi-index (0, ..., 0)
