@@ -119,6 +119,9 @@ void Check(const std::vector<int>& shape, const std::vector<const char*>& dest,
     std::vector<T> listed;
     for (std::ptrdiff_t o : os) listed.push_back(sbase.GetPointer()[o]);
     EXPECT_EQ(std::memcmp(listed.data(), copy.GetPointer(), listed.size() * sizeof(T)), 0);
+    // The iterators walk the same storage order, line by line.
+    const zrArrayND<T>& view = s;
+    EXPECT_EQ(std::vector<T>(view.begin(), view.end()), listed);
   }
 }
 

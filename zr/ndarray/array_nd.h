@@ -80,14 +80,14 @@ template <class T>
 class ZR_API zrArrayND : public zrArrayNDAbs {
   ZR_TYPE_IDENTITY
 
-  // The iterators: counters (the Index base), the current element, the sizes, the carry
-  // increments, the step along a line and the contiguity flag. A contiguous array's
-  // iterator only adds the step; any other one counts along the line and carries at
-  // its end. end() stands at GetPointer() + GetEndPos(), where the walk leaves the
-  // pointer; since with a flipped axis that address can be an element's own (a 3 x 2
-  // array flipped along dimension 0 has EndPos 0), a non-contiguous walk also marks its
-  // end, and iterators compare equal when both address and mark agree. Changing the
-  // array's geometry or storage invalidates them.
+  // The iterators: counters (the Index base, from dimension 1 up), the current element,
+  // the elements left on its line, the sizes, the carry increments, the step along a line
+  // and the contiguity flag. Each step adds the step and counts down the line; at a
+  // line's end a non-contiguous walk carries (a contiguous one is a single line). end() stands at
+  // GetPointer() + GetEndPos(), where the walk leaves the pointer; since with a flipped axis that
+  // address can be an element's own (a 3 x 2 array flipped along dimension 0 has EndPos 0), a
+  // non-contiguous walk also marks its end, and iterators compare equal when both address and mark
+  // agree. Changing the array's geometry or storage invalidates them.
   template <class E>
   class Iter : public zrArrayNDAbs::Index {
    public:
@@ -101,17 +101,7 @@ class ZR_API zrArrayND : public zrArrayNDAbs {
     E* operator->() const { return cur_; }
     Iter& operator++() {
       cur_ += step_;
-      if (!con_) {
-        int* const c = this->GetPointer();
-        if (++c[0] == range_[0]) {
-          const int k = this->Inc(range_);
-          if (k != 0) {
-            cur_ += for_tab_[k];
-          } else {
-            done_ = true;
-          }
-        }
-      }
+      if (--left_ == 0) NextLine();
       return *this;
     }
     Iter operator++(int) {
@@ -137,10 +127,32 @@ class ZR_API zrArrayND : public zrArrayNDAbs {
       } else if (!con_) {
         this->Set(&a, false);
         range_ = this->SharedRange();
+        left_ = range_[0];
+      } else {
+        left_ = a.GetSize();
       }
     }
 
+    // The end of a line: the carry to the next one (as Index::Inc), or the mark at the
+    // last. A contiguous walk is a single line. Written out here: a call in the element
+    // loop would keep the caller's own values out of the registers a call clobbers.
+    void NextLine() {
+      if (con_) return;
+      int* const c = this->GetPointer();
+      const int n = this->Len();
+      for (int k = 1; k < n; ++k) {
+        if (++c[k] < range_[k]) {
+          cur_ += for_tab_[k];
+          left_ = range_[0];
+          return;
+        }
+        c[k] = 0;
+      }
+      done_ = true;
+    }
+
     E* cur_ = nullptr;
+    int left_ = 0;  // elements left on the current line
     const int* range_;
     const int* for_tab_;
     int step_;
