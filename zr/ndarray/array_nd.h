@@ -28,7 +28,13 @@
 /// two such operands have their shortest steps on different axes (a dense array and an
 /// axis-swapped view), the walk takes the plane of those two axes in small tiles, so
 /// that neither is read across its lines; the elements meet the same partners and give
-/// the same bits as in any other order. Where the order can change the result (operands
+/// the same bits as in any other order. For double (the four array operators and the
+/// copies) those tiles are 8 x 8 blocks transposed in vector registers where the
+/// processor has the instructions (chosen at run time, the plain tiles otherwise). A
+/// line that runs backwards while the walk moves forwards (one operand flipped along
+/// dimension 0, the other not) is read in chunks, each after a prefetch a few lines
+/// ahead, since the processor's own prefetching follows only one direction. Where the
+/// order can change the result (operands
 /// that overlap, a target that reaches an element twice, serialisation, Median), the
 /// walk keeps storage order. Min and Max return the first extreme in storage order: a
 /// floating extreme of zero, where +0 and -0 tie, is found again by a walk in storage
