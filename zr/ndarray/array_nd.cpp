@@ -1,9 +1,263 @@
 #include "zr/ndarray/array_nd.h"
 
+#include <atomic>
+#include <cstddef>
+#include <cstdint>
+
 #include "zr/ndarray/array_nd_impl.h"
+
+#if defined(__x86_64__) && (defined(__GNUC__) || defined(__clang__))
+#include <immintrin.h>
+#define ZR_ND_X86_KERNELS 1
+#endif
 
 ZR_INSTANTIATE_TEMPLATE(class, zrSimpleArray<unsigned int>);
 ZR_INSTANTIATE_TEMPLATE(class, zrArray<unsigned int>);
 
 #define ZR_DETAIL_INSTANTIATE_ARRAY_ND(T) ZR_INSTANTIATE_TEMPLATE(class, zrArrayND<T>);
 ZR_ARRAY_ND_TYPES(ZR_DETAIL_INSTANTIATE_ARRAY_ND)
+
+namespace zr::detail {
+namespace {
+
+// Planes whose lines cross: a's elements (i, k) at a[i + k * a1], b's at b[k + i * b0].
+// Every element meets its partner exactly once and no two pairs share an element, so
+// the order of the walk cannot change a result; the vector kernels apply the same single
+// IEEE operation per element as the plain loop, the first operand first.
+
+#if defined(ZR_ND_X86_KERNELS)
+
+using Block = void (*)(double* a, std::ptrdiff_t a1, const double* b, std::ptrdiff_t b0);
+// A block cut short at an edge: h of b's lines (a's columns), w of a's lines.
+using Part = void (*)(Block block, int h, int w, double* a, std::ptrdiff_t a1, const double* b,
+                      std::ptrdiff_t b0);
+
+// A block cut short at an edge goes through the block kernel on copies; the unused
+// places hold ones.
+void PartialBlock(Block block, int h, int w, double* a, std::ptrdiff_t a1, const double* b,
+                  std::ptrdiff_t b0) {
+  double ta[64];
+  double tb[64];
+  for (int q = 0; q < 64; ++q) ta[q] = tb[q] = 1.0;
+  for (int q = 0; q < h; ++q)
+    for (int c = 0; c < w; ++c) tb[c + 8 * q] = b[c + q * b0];
+  for (int c = 0; c < w; ++c)
+    for (int q = 0; q < h; ++q) ta[q + 8 * c] = a[q + c * a1];
+  block(ta, 8, tb, 8);
+  for (int c = 0; c < w; ++c)
+    for (int q = 0; q < h; ++q) a[q + c * a1] = ta[q + 8 * c];
+}
+
+// The plane in 8 x 8 blocks, block rows along a's lines: a's eight lines of a block row
+// are read as eight streams, b's lines are met one cache line each and prefetched a few
+// blocks ahead. Each block uses every cache line it touches whole, so the lines' common
+// cache sets (strides that are powers of two) cost nothing. The block rows start where
+// b's lines meet a 64-byte boundary, when they all share it.
+void CrossBlocks(Block block, Part part, int r0, int r1, double* a, std::ptrdiff_t a1,
+                 const double* b, std::ptrdiff_t b0) {
+  constexpr int kAhead = 16;  // rows of b prefetched ahead
+  const auto row = [=](int k, int w) {
+    int i = 0;
+    for (; i + 8 <= r0; i += 8) {
+      if (i + 8 + kAhead <= r0)
+        for (int q = i + kAhead; q < i + kAhead + 8; ++q) __builtin_prefetch(b + k + q * b0);
+      if (w == 8) {
+        block(a + i + k * a1, a1, b + k + i * b0, b0);
+      } else {
+        part(block, 8, w, a + i + k * a1, a1, b + k + i * b0, b0);
+      }
+    }
+    if (i < r0) part(block, r0 - i, w, a + i + k * a1, a1, b + k + i * b0, b0);
+  };
+  int k = 0;
+  const auto mis = reinterpret_cast<std::uintptr_t>(b) % 64;
+  if (b0 % 8 == 0 && mis % 8 == 0) k = static_cast<int>((64 - mis) % 64 / 8);
+  if (k > r1) k = r1;
+  if (k > 0) row(0, k);
+  for (; k < r1; k += 8) row(k, r1 - k < 8 ? r1 - k : 8);
+}
+
+// The compiler's eight-wide shuffles start from an undefined register, which some
+// versions of it report as uninitialised.
+#pragma GCC diagnostic push
+#pragma GCC diagnostic ignored "-Wuninitialized"
+#pragma GCC diagnostic ignored "-Wmaybe-uninitialized"
+
+template <NDOp op>
+__attribute__((target("avx512f"))) inline __m512d Apply512(__m512d x, __m512d y) {
+  if constexpr (op == NDOp::kAdd) {
+    return _mm512_add_pd(x, y);
+  } else if constexpr (op == NDOp::kSub) {
+    return _mm512_sub_pd(x, y);
+  } else if constexpr (op == NDOp::kMul) {
+    return _mm512_mul_pd(x, y);
+  } else {
+    return _mm512_div_pd(x, y);
+  }
+}
+
+// One 8 x 8 block: b's eight lines transposed in registers, then a's eight lines.
+// b's lines are loaded by load(q) (h of them, w elements each) and a's lines written
+// under a mask of h elements.
+template <NDOp op, bool full>
+__attribute__((target("avx512f"), always_inline)) inline void Transpose512(
+    double* a, std::ptrdiff_t a1, const double* b, std::ptrdiff_t b0, int h, int w) {
+  const __m512d ones = _mm512_set1_pd(1.0);
+  const __mmask8 cols = static_cast<__mmask8>((1u << w) - 1);
+  const __mmask8 rows = static_cast<__mmask8>((1u << h) - 1);
+  __m512d r[8];
+  __m512d t[8];
+  for (int q = 0; q < 8; ++q)
+    r[q] = full    ? _mm512_loadu_pd(b + q * b0)
+           : q < h ? _mm512_mask_loadu_pd(ones, cols, b + q * b0)
+                   : ones;
+  for (int q = 0; q < 8; q += 2) {
+    t[q] = _mm512_unpacklo_pd(r[q], r[q + 1]);
+    t[q + 1] = _mm512_unpackhi_pd(r[q], r[q + 1]);
+  }
+  // Columns c and c + 4 of four rows: u[c] for rows 0-3, u[4 + c] for rows 4-7.
+  const __m512i lo = _mm512_set_epi64(13, 12, 5, 4, 9, 8, 1, 0);
+  const __m512i hi = _mm512_set_epi64(15, 14, 7, 6, 11, 10, 3, 2);
+  for (int h = 0; h < 8; h += 4) {
+    r[h] = _mm512_permutex2var_pd(t[h], lo, t[h + 2]);
+    r[h + 2] = _mm512_permutex2var_pd(t[h], hi, t[h + 2]);
+    r[h + 1] = _mm512_permutex2var_pd(t[h + 1], lo, t[h + 3]);
+    r[h + 3] = _mm512_permutex2var_pd(t[h + 1], hi, t[h + 3]);
+  }
+  for (int c = 0; c < 4; ++c) {
+    t[c] = _mm512_shuffle_f64x2(r[c], r[4 + c], 0x44);
+    t[c + 4] = _mm512_shuffle_f64x2(r[c], r[4 + c], 0xEE);
+  }
+  for (int q = 0; q < (full ? 8 : w); ++q) {
+    double* const la = a + q * a1;
+    if constexpr (full) {
+      if constexpr (op == NDOp::kAssign) {
+        _mm512_storeu_pd(la, t[q]);
+      } else {
+        _mm512_storeu_pd(la, Apply512<op>(_mm512_loadu_pd(la), t[q]));
+      }
+    } else if constexpr (op == NDOp::kAssign) {
+      _mm512_mask_storeu_pd(la, rows, t[q]);
+    } else {
+      _mm512_mask_storeu_pd(la, rows, Apply512<op>(_mm512_mask_loadu_pd(ones, rows, la), t[q]));
+    }
+  }
+}
+
+template <NDOp op>
+__attribute__((target("avx512f"))) void Block512(double* a, std::ptrdiff_t a1, const double* b,
+                                                 std::ptrdiff_t b0) {
+  Transpose512<op, true>(a, a1, b, b0, 8, 8);
+}
+
+template <NDOp op>
+__attribute__((target("avx512f"))) void Part512(Block, int h, int w, double* a, std::ptrdiff_t a1,
+                                                const double* b, std::ptrdiff_t b0) {
+  Transpose512<op, false>(a, a1, b, b0, h, w);
+}
+
+#pragma GCC diagnostic pop
+
+template <NDOp op>
+__attribute__((target("avx"))) inline __m256d Apply256(__m256d x, __m256d y) {
+  if constexpr (op == NDOp::kAdd) {
+    return _mm256_add_pd(x, y);
+  } else if constexpr (op == NDOp::kSub) {
+    return _mm256_sub_pd(x, y);
+  } else if constexpr (op == NDOp::kMul) {
+    return _mm256_mul_pd(x, y);
+  } else {
+    return _mm256_div_pd(x, y);
+  }
+}
+
+// One 8 x 8 block as four 4 x 4 transposes.
+template <NDOp op>
+__attribute__((target("avx"))) void Block256(double* a, std::ptrdiff_t a1, const double* b,
+                                             std::ptrdiff_t b0) {
+  for (int bi = 0; bi < 8; bi += 4)
+    for (int bk = 0; bk < 8; bk += 4) {
+      const double* const lb = b + bk + bi * b0;
+      const __m256d r0 = _mm256_loadu_pd(lb);
+      const __m256d r1 = _mm256_loadu_pd(lb + b0);
+      const __m256d r2 = _mm256_loadu_pd(lb + 2 * b0);
+      const __m256d r3 = _mm256_loadu_pd(lb + 3 * b0);
+      const __m256d t0 = _mm256_unpacklo_pd(r0, r1);
+      const __m256d t1 = _mm256_unpackhi_pd(r0, r1);
+      const __m256d t2 = _mm256_unpacklo_pd(r2, r3);
+      const __m256d t3 = _mm256_unpackhi_pd(r2, r3);
+      const __m256d c[4] = {
+          _mm256_permute2f128_pd(t0, t2, 0x20), _mm256_permute2f128_pd(t1, t3, 0x20),
+          _mm256_permute2f128_pd(t0, t2, 0x31), _mm256_permute2f128_pd(t1, t3, 0x31)};
+      for (int q = 0; q < 4; ++q) {
+        double* const la = a + bi + (bk + q) * a1;
+        if constexpr (op == NDOp::kAssign) {
+          _mm256_storeu_pd(la, c[q]);
+        } else {
+          _mm256_storeu_pd(la, Apply256<op>(_mm256_loadu_pd(la), c[q]));
+        }
+      }
+    }
+}
+
+int DetectLevel() {
+  __builtin_cpu_init();
+  if (__builtin_cpu_supports("avx512f")) return 2;
+  if (__builtin_cpu_supports("avx")) return 1;
+  return 0;
+}
+
+template <NDOp op>
+bool CrossPlaneAt(int level, int r0, int r1, double* a, std::ptrdiff_t a1, const double* b,
+                  std::ptrdiff_t b0) {
+  if (level <= 0) return false;
+  if (level >= 2) {
+    CrossBlocks(&Block512<op>, &Part512<op>, r0, r1, a, a1, b, b0);
+  } else {
+    CrossBlocks(&Block256<op>, &PartialBlock, r0, r1, a, a1, b, b0);
+  }
+  return true;
+}
+
+#else
+
+int DetectLevel() { return 0; }
+
+template <NDOp op>
+bool CrossPlaneAt(int, int, int, double*, std::ptrdiff_t, const double*, std::ptrdiff_t) {
+  return false;
+}
+
+#endif
+
+std::atomic<int>& Level() {
+  static std::atomic<int> level(DetectLevel());
+  return level;
+}
+
+}  // namespace
+
+int NDVectorLevel(int level) {
+  const int found = DetectLevel();
+  return Level().exchange(level < found ? level : found, std::memory_order_relaxed);
+}
+
+bool NDCrossPlane(NDOp op, int r0, int r1, double* a, int a1, const double* b, int b0) {
+  const int level = Level().load(std::memory_order_relaxed);
+  switch (op) {
+    case NDOp::kAssign:
+      return CrossPlaneAt<NDOp::kAssign>(level, r0, r1, a, a1, b, b0);
+    case NDOp::kAdd:
+      return CrossPlaneAt<NDOp::kAdd>(level, r0, r1, a, a1, b, b0);
+    case NDOp::kSub:
+      return CrossPlaneAt<NDOp::kSub>(level, r0, r1, a, a1, b, b0);
+    case NDOp::kMul:
+      return CrossPlaneAt<NDOp::kMul>(level, r0, r1, a, a1, b, b0);
+    case NDOp::kDiv:
+      return CrossPlaneAt<NDOp::kDiv>(level, r0, r1, a, a1, b, b0);
+    default:
+      return false;
+  }
+}
+
+}  // namespace zr::detail

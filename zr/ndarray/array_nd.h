@@ -28,7 +28,13 @@
 /// two such operands have their shortest steps on different axes (a dense array and an
 /// axis-swapped view), the walk takes the plane of those two axes in small tiles, so
 /// that neither is read across its lines; the elements meet the same partners and give
-/// the same bits as in any other order. Where the order can change the result (operands
+/// the same bits as in any other order. For double (the four array operators and the
+/// copies) those tiles are 8 x 8 blocks transposed in vector registers where the
+/// processor has the instructions (chosen at run time, the plain tiles otherwise). A
+/// line that runs backwards while the walk moves forwards (one operand flipped along
+/// dimension 0, the other not) is read in chunks, each after a prefetch a few lines
+/// ahead, since the processor's own prefetching follows only one direction. Where the
+/// order can change the result (operands
 /// that overlap, a target that reaches an element twice, serialisation, Median), the
 /// walk keeps storage order. Min and Max return the first extreme in storage order: a
 /// floating extreme of zero, where +0 and -0 tie, is found again by a walk in storage
@@ -66,18 +72,28 @@
 #include "zr/ndarray/array_nd_abs.h"
 #include "zr/ndarray/round_array_nd.h"
 
+namespace zr::detail {
+// The element operation of a two-operand walk, for the vector kernels that know it.
+enum class NDOp { kAssign, kAdd, kSub, kMul, kDiv, kOther };
+
+// Caps the vector kernels of the element walks (0 none, 1 four-wide, 2 eight-wide; never
+// above what the processor has) and returns the cap before. For tests that compare the
+// kernels with the plain walk.
+ZR_API int NDVectorLevel(int level);
+}  // namespace zr::detail
+
 template <class T>
 class ZR_API zrArrayND : public zrArrayNDAbs {
   ZR_TYPE_IDENTITY
 
-  // The iterators: counters (the Index base), the current element, the sizes, the carry
-  // increments, the step along a line and the contiguity flag. A contiguous array's
-  // iterator only adds the step; any other one counts along the line and carries at
-  // its end. end() stands at GetPointer() + GetEndPos(), where the walk leaves the
-  // pointer; since with a flipped axis that address can be an element's own (a 3 x 2
-  // array flipped along dimension 0 has EndPos 0), a non-contiguous walk also marks its
-  // end, and iterators compare equal when both address and mark agree. Changing the
-  // array's geometry or storage invalidates them.
+  // The iterators: counters (the Index base, from dimension 1 up), the current element,
+  // the elements left on its line, the sizes, the carry increments, the step along a line
+  // and the contiguity flag. Each step adds the step and counts down the line; at a
+  // line's end a non-contiguous walk carries (a contiguous one is a single line). end() stands at
+  // GetPointer() + GetEndPos(), where the walk leaves the pointer; since with a flipped axis that
+  // address can be an element's own (a 3 x 2 array flipped along dimension 0 has EndPos 0), a
+  // non-contiguous walk also marks its end, and iterators compare equal when both address and mark
+  // agree. Changing the array's geometry or storage invalidates them.
   template <class E>
   class Iter : public zrArrayNDAbs::Index {
    public:
@@ -91,17 +107,7 @@ class ZR_API zrArrayND : public zrArrayNDAbs {
     E* operator->() const { return cur_; }
     Iter& operator++() {
       cur_ += step_;
-      if (!con_) {
-        int* const c = this->GetPointer();
-        if (++c[0] == range_[0]) {
-          const int k = this->Inc(range_);
-          if (k != 0) {
-            cur_ += for_tab_[k];
-          } else {
-            done_ = true;
-          }
-        }
-      }
+      if (--left_ == 0) NextLine();
       return *this;
     }
     Iter operator++(int) {
@@ -127,10 +133,32 @@ class ZR_API zrArrayND : public zrArrayNDAbs {
       } else if (!con_) {
         this->Set(&a, false);
         range_ = this->SharedRange();
+        left_ = range_[0];
+      } else {
+        left_ = a.GetSize();
       }
     }
 
+    // The end of a line: the carry to the next one (as Index::Inc), or the mark at the
+    // last. A contiguous walk is a single line. Written out here: a call in the element
+    // loop would keep the caller's own values out of the registers a call clobbers.
+    void NextLine() {
+      if (con_) return;
+      int* const c = this->GetPointer();
+      const int n = this->Len();
+      for (int k = 1; k < n; ++k) {
+        if (++c[k] < range_[k]) {
+          cur_ += for_tab_[k];
+          left_ = range_[0];
+          return;
+        }
+        c[k] = 0;
+      }
+      done_ = true;
+    }
+
     E* cur_ = nullptr;
+    int left_ = 0;  // elements left on the current line
     const int* range_;
     const int* for_tab_;
     int step_;
@@ -266,7 +294,7 @@ class ZR_API zrArrayND : public zrArrayNDAbs {
   void View(const zrPArray& holder, T* origin, const zrArray<int>& range, const zrArray<int>& tab);
   template <class F>
   void Each(F f);
-  template <class F>
+  template <zr::detail::NDOp op, class F>
   void EachPair(const zrArrayND& other, F f);
 
   T* p_ = nullptr;  // element at multi-index (0, ..., 0)

@@ -52,6 +52,48 @@ constexpr int NDTileLines() {
   return sizeof(B) >= 8 ? 16 : static_cast<int>(128 / sizeof(B));
 }
 
+// An r0 x r1 plane of two double operands whose lines cross: the first operand's run
+// along axis 0 (step 1, lines a1 apart), the second's along axis 1 (step 1, lines b0
+// apart), with no overlap between them. Runs a = a op b on every pair through
+// transposing vector kernels (8 x 8 blocks) where the processor has them, and returns
+// false without touching anything where it has not.
+bool NDCrossPlane(NDOp op, int r0, int r1, double* a, int a1, const double* b, int b0);
+
+// The plane hook of a walk that has no vector kernel.
+struct NDNoPlane {
+  template <class A, class B>
+  bool operator()(int, int, A*, int, int, B*, int, int) const {
+    return false;
+  }
+};
+
+// Lines whose step is -1 while the next line lies above them read memory against the
+// walk's direction, which the processor's stream detection does not follow: such lines
+// are run in chunks, each after a prefetch of the same chunk a few lines ahead.
+template <class A, class B, class F>
+bool RunPrefetched(int count, A* pa, int sa, std::intptr_t aheadA, B* pb, int sb,
+                   std::intptr_t aheadB, F& line) {
+  constexpr int kChunk = sizeof(A) >= 8 ? 64 : static_cast<int>(512 / sizeof(A));
+  for (int i = 0; i < count; i += kChunk) {
+    const int n = count - i < kChunk ? count - i : kChunk;
+    A* const la = pa + static_cast<std::ptrdiff_t>(i) * sa;
+    B* const lb = pb + static_cast<std::ptrdiff_t>(i) * sb;
+#if defined(__GNUC__) || defined(__clang__)
+    // Written out here: a helper holding nothing but prefetches counts as free of effects
+    // and is dropped with its calls. A prefetch never faults, so its address may lie
+    // past an operand's end.
+    if (aheadA != 0)
+      for (int off = 0; off < n * static_cast<int>(sizeof(A)); off += 64)
+        __builtin_prefetch(reinterpret_cast<const char*>(la) + aheadA - off);
+    if (aheadB != 0)
+      for (int off = 0; off < n * static_cast<int>(sizeof(B)); off += 64)
+        __builtin_prefetch(reinterpret_cast<const char*>(lb) + aheadB - off);
+#endif
+    if (!line(n, la, sa, lb, sb)) return false;
+  }
+  return true;
+}
+
 // Walks an r0 x r1 plane of two operands in tiles, each tile as lines along axis 0
 // (steps a0, b0) one step of axis 1 (a1, b1) apart. Pointers move only while another
 // line or tile follows, so none is formed outside the operands.
@@ -100,9 +142,9 @@ bool WalkTiles(int r0, int r1, A* pa, int a0, int a1, B* pb, int b0, int b1, F& 
 // than the first's, the plane of those two axes is walked in tiles (WalkTiles), so that
 // neither operand is read across its lines. Lines (or planes) are joined by one addition
 // of a carry per operand.
-template <class A, class B, class F>
+template <class A, class B, class F, class P>
 bool WalkPair(int n, const int* range, A* pa, const int* ta, B* pb, const int* tb, NDOrder order,
-              F line) {
+              F line, P plane) {
   if (n == 0) return true;  // no dimensions, no elements
   for (int k = 0; k < n; ++k)
     if (range[k] <= 0) return true;
@@ -198,10 +240,33 @@ bool WalkPair(int n, const int* range, A* pa, const int* ta, B* pb, const int* t
     cb[k] = k == inner ? b[k] : cb[k - 1] + b[k] - r[k - 1] * b[k - 1];
     count[k] = 0;
   }
+  // Reversed lines stepping up to the next: prefetch distance of about 4 KiB (whole lines).
+  std::intptr_t aheadA = 0;
+  std::intptr_t aheadB = 0;
+  if (inner == 1 && m > 1) {
+    const auto ahead = [&r](int s0, int s1, std::size_t size) -> std::intptr_t {
+      if (s0 != -1 || s1 <= 0) return 0;
+      const std::intptr_t bytes =
+          static_cast<std::intptr_t>(r[0]) * static_cast<std::intptr_t>(size);
+      const std::intptr_t lines = (4096 + bytes - 1) / bytes;
+      return lines * s1 * static_cast<std::intptr_t>(size);
+    };
+    aheadA = ahead(a[0], a[1], sizeof(A));
+    // A one-operand walk passes its operand twice.
+    const bool same = static_cast<const void*>(pa) == static_cast<const void*>(pb) &&
+                      a[0] == b[0] && a[1] == b[1];
+    aheadB = same ? 0 : ahead(b[0], b[1], sizeof(B));
+  }
+  const bool prefetch = aheadA != 0 || aheadB != 0;
   for (;;) {
-    if (inner == 1 ? !line(r[0], pa, a[0], pb, b[0])
-                   : !WalkTiles(r[0], r[1], pa, a[0], a[1], pb, b[0], b[1], line))
+    if (inner == 1) {
+      if (!(prefetch ? RunPrefetched(r[0], pa, a[0], aheadA, pb, b[0], aheadB, line)
+                     : line(r[0], pa, a[0], pb, b[0])))
+        return false;
+    } else if (!plane(r[0], r[1], pa, a[0], a[1], pb, b[0], b[1]) &&
+               !WalkTiles(r[0], r[1], pa, a[0], a[1], pb, b[0], b[1], line)) {
       return false;
+    }
     int k = inner;
     for (; k < m; ++k) {
       if (++count[k] < r[k]) break;
@@ -212,6 +277,24 @@ bool WalkPair(int n, const int* range, A* pa, const int* ta, B* pb, const int* t
     pb += cb[k];
   }
 }
+
+template <class A, class B, class F>
+bool WalkPair(int n, const int* range, A* pa, const int* ta, B* pb, const int* tb, NDOrder order,
+              F line) {
+  return WalkPair(n, range, pa, ta, pb, tb, order, line, NDNoPlane());
+}
+
+// The plane hook for the operation op on elements of type T.
+template <class T, NDOp op>
+struct NDPlane {
+  bool operator()(int r0, int r1, T* a, int a0, int a1, const T* b, int b0, int b1) const {
+    if constexpr (std::is_same_v<T, double> && op != NDOp::kOther) {
+      if (a0 == 1 && b1 == 1) return NDCrossPlane(op, r0, r1, a, a1, b, b0);
+    }
+    (void)r0, (void)r1, (void)a, (void)a0, (void)a1, (void)b, (void)b0, (void)b1;
+    return false;
+  }
+};
 
 // Runs g over one line of two operands, with straight loops for the common steps.
 template <class A, class B, class G>
@@ -272,9 +355,11 @@ zrArrayND<T>::zrArrayND(const zrArrayND& other) : zrArrayNDAbs() {
   Set(other.Range());
   zr::detail::WalkPair(
       GetDim(), Range().GetPointer(), p_, Tab().GetPointer(), other.p_, other.Tab().GetPointer(),
-      zr::detail::NDOrder::kAny, [](int n, T* a, int sa, const T* b, int sb) {
+      zr::detail::NDOrder::kAny,
+      [](int n, T* a, int sa, const T* b, int sb) {
         return zr::detail::RunLine(n, a, sa, b, sb, [](T& x, const T& y) { x = y; });
-      });
+      },
+      zr::detail::NDPlane<T, zr::detail::NDOp::kAssign>());
 }
 
 template <class T>
@@ -289,9 +374,11 @@ zrArrayND<T>& zrArrayND<T>::operator=(const zrArrayND& other) {
                                                          : zr::detail::NDOrder::kAnyIfLead;
   zr::detail::WalkPair(
       GetDim(), Range().GetPointer(), p_, Tab().GetPointer(), other.p_, other.Tab().GetPointer(),
-      order, [](int n, T* a, int sa, const T* b, int sb) {
+      order,
+      [](int n, T* a, int sa, const T* b, int sb) {
         return zr::detail::RunLine(n, a, sa, b, sb, [](T& x, const T& y) { x = y; });
-      });
+      },
+      zr::detail::NDPlane<T, zr::detail::NDOp::kAssign>());
   return *this;
 }
 
@@ -494,17 +581,19 @@ void zrArrayND<T>::Each(F f) {
 }
 
 template <class T>
-template <class F>
+template <zr::detail::NDOp op, class F>
 void zrArrayND<T>::EachPair(const zrArrayND& other, F f) {
   if (GetDim() != other.GetDim()) throw BadParameters("Different dimension");
   if (!(Range() == other.Range())) throw BadParameters("Different range");
   const auto order = zr::detail::NDOverlap(*this, other) ? zr::detail::NDOrder::kStorage
                                                          : zr::detail::NDOrder::kAnyIfLead;
-  zr::detail::WalkPair(GetDim(), Range().GetPointer(), p_, Tab().GetPointer(), other.p_,
-                       other.Tab().GetPointer(), order,
-                       [f](int n, T* a, int sa, const T* b, int sb) {
-                         return zr::detail::RunLine(n, a, sa, b, sb, f);
-                       });
+  zr::detail::WalkPair(
+      GetDim(), Range().GetPointer(), p_, Tab().GetPointer(), other.p_, other.Tab().GetPointer(),
+      order,
+      [f](int n, T* a, int sa, const T* b, int sb) {
+        return zr::detail::RunLine(n, a, sa, b, sb, f);
+      },
+      zr::detail::NDPlane<T, op>());
 }
 
 template <class T>
@@ -512,22 +601,22 @@ void zrArrayND<T>::Fill(T value) {
   Each([value](T& x) { x = value; });
 }
 
-#define ZR_DETAIL_ARRAY_ND_OPERATORS(op_assign)                            \
-  template <class T>                                                       \
-  zrArrayND<T>& zrArrayND<T>::operator op_assign(const zrArrayND& other) { \
-    EachPair(other, [](T& x, const T& y) { x op_assign y; });              \
-    return *this;                                                          \
-  }                                                                        \
-  template <class T>                                                       \
-  zrArrayND<T>& zrArrayND<T>::operator op_assign(const T& value) {         \
-    const T v = value;                                                     \
-    Each([v](T& x) { x op_assign v; });                                    \
-    return *this;                                                          \
+#define ZR_DETAIL_ARRAY_ND_OPERATORS(op_assign, op)                                 \
+  template <class T>                                                                \
+  zrArrayND<T>& zrArrayND<T>::operator op_assign(const zrArrayND& other) {          \
+    EachPair<zr::detail::NDOp::op>(other, [](T& x, const T& y) { x op_assign y; }); \
+    return *this;                                                                   \
+  }                                                                                 \
+  template <class T>                                                                \
+  zrArrayND<T>& zrArrayND<T>::operator op_assign(const T& value) {                  \
+    const T v = value;                                                              \
+    Each([v](T& x) { x op_assign v; });                                             \
+    return *this;                                                                   \
   }
-ZR_DETAIL_ARRAY_ND_OPERATORS(+=)
-ZR_DETAIL_ARRAY_ND_OPERATORS(-=)
-ZR_DETAIL_ARRAY_ND_OPERATORS(*=)
-ZR_DETAIL_ARRAY_ND_OPERATORS(/=)
+ZR_DETAIL_ARRAY_ND_OPERATORS(+=, kAdd)
+ZR_DETAIL_ARRAY_ND_OPERATORS(-=, kSub)
+ZR_DETAIL_ARRAY_ND_OPERATORS(*=, kMul)
+ZR_DETAIL_ARRAY_ND_OPERATORS(/=, kDiv)
 #undef ZR_DETAIL_ARRAY_ND_OPERATORS
 
 template <class T>
