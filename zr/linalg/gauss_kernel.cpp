@@ -125,15 +125,22 @@ ZR_GK_INLINE void ApplyImpl(const double* u, int us, int nk, int w, double* cons
   constexpr int kW = C * L;
   double* xt[R];
   const double* lt[R];
-  for (int c0 = 0; c0 < w; c0 += kW) {
-    const int cw = w - c0 < kW ? w - c0 : kW;
-    const int cn = (cw + L - 1) / L;
-    for (int r0 = 0; r0 < nrows; r0 += R) {
-      const int rn = nrows - r0 < R ? nrows - r0 : R;
+  for (int r0 = 0; r0 < nrows; r0 += R) {
+    const int rn = nrows - r0 < R ? nrows - r0 : R;
+    const int next = r0 + R + R <= nrows ? R : nrows - r0 - R;
+    for (int c0 = 0; c0 < w; c0 += kW) {
+      const int cw = w - c0 < kW ? w - c0 : kW;
+      const int cn = (cw + L - 1) / L;
       for (int i = 0; i < rn; ++i) {
         xt[i] = x[r0 + i] + c0;
         lt[i] = lv[r0 + i];
       }
+#if defined(__GNUC__) || defined(__clang__)
+      // The next tile's rows come from far away; ask for them while this one computes.
+      for (int i = 0; i < next; ++i) {
+        for (int c = 0; c < cw; c += 8) __builtin_prefetch(x[r0 + R + i] + c0 + c, 1);
+      }
+#endif
       ForwardTileRC<V, R, C>(rn, cn, u + c0, us, nk, cw, xt, lt);
     }
   }
@@ -217,12 +224,121 @@ ZR_GK_INLINE void BackImpl(double* const* a, int n, int step, double* const* e, 
   }
 }
 
+struct Kernels;
+
+// Steps held back and applied together, columns of one packed block, and the width of
+// the panel factored step by step.
+constexpr int kStepChunk = 64;
+constexpr int kColumnBlock = 256;
+constexpr int kBase = 8;
+
+struct State {
+  int n = 0;
+  int* perm = nullptr;     // place -> physical row
+  double** a = nullptr;    // physical row -> its elements, contiguous
+  double* linv = nullptr;  // 1 / l of physical row j at step k: linv[j * ldl + k]
+  long ldl = 0;
+  std::uint64_t* zero = nullptr;  // bit k of row j: l was zero at step k (row left alone)
+  long ldz = 0;
+  double* inv = nullptr;    // 1 / p of step k
+  double* pack = nullptr;   // kStepChunk x kColumnBlock finished pivot rows
+  double* panel = nullptr;  // kBase columns of the rows below a panel, by place
+  double* recip = nullptr;  // n doubles
+  double** xs = nullptr;
+  const double** ls = nullptr;
+  const Kernels* ker = nullptr;
+};
+
+// The steps k0 .. k1-1 (at most kBase) one by one on the columns k0 .. k1-1, in a copy of
+// those columns taken by place so that the scans, reciprocals and updates run down
+// contiguous columns. Returns the step of a zero pivot, or k1.
+template <class V>
+ZR_GK_INLINE int PanelImpl(State& s, int k0, int k1) {
+  constexpr int L = kLanes<V>;
+  const int count = s.n - k0;
+  const int bw = k1 - k0;
+  const long ld = (count + L - 1) / L * L;
+  double* const t = s.panel;
+  for (int i = 0; i < count; ++i) {
+    const double* const row = s.a[s.perm[k0 + i]] + k0;
+    for (int c = 0; c < bw; ++c) t[c * ld + i] = row[c];
+  }
+  int stop = k1;
+  for (int k = k0; k < k1; ++k) {
+    const int kc = k - k0;
+    double* const col = t + kc * ld;
+    // The exchange is made during the scan.
+    double best = std::fabs(col[kc]);
+    for (int i = kc + 1; i < count; ++i) {
+      const double v = std::fabs(col[i]);
+      if (v > best) {
+        std::swap(s.perm[k], s.perm[k0 + i]);
+        for (int c = 0; c < bw; ++c) std::swap(t[c * ld + kc], t[c * ld + i]);
+        best = v;
+      }
+    }
+    const double p = col[kc];
+    if (p == 0) {
+      stop = k;
+      break;
+    }
+    const double inv = 1.0 / p;
+    s.inv[k] = inv;
+    for (int c = kc + 1; c < bw; ++c) t[c * ld + kc] = t[c * ld + kc] * inv;
+    // 1 / l of the rows below, kept by physical row; a zero l leaves its row alone.
+    double* const r = s.recip;
+    int i = kc + 1;
+    for (; i + L <= count; i += L) {
+      V l;
+      Load(l, col + i);
+      const V q = 1.0 / l;
+      Store(r + i, q);
+    }
+    for (; i < count; ++i) r[i] = 1.0 / col[i];
+    for (i = kc + 1; i < count; ++i) {
+      const long j = s.perm[k0 + i];
+      if (col[i] == 0) {
+        s.zero[j * s.ldz + (k >> 6)] |= std::uint64_t{1} << (k & 63);
+      } else {
+        s.linv[j * s.ldl + k] = r[i];
+      }
+    }
+    for (int c = kc + 1; c < bw; ++c) {
+      double* const x = t + c * ld;
+      const double pm = x[kc];
+      for (i = kc + 1; i + L <= count; i += L) {
+        V xv, l, q;
+        Load(xv, x + i);
+        Load(l, col + i);
+        Load(q, r + i);
+        const V scaled = q * xv;
+        const V next = scaled - pm;
+        xv = l != 0 ? next : xv;
+        Store(x + i, xv);
+      }
+      for (; i < count; ++i) {
+        if (col[i] != 0) {
+          const double scaled = r[i] * x[i];
+          x[i] = scaled - pm;
+        }
+      }
+    }
+  }
+  for (int i = 0; i < count; ++i) {
+    double* const row = s.a[s.perm[k0 + i]] + k0;
+    for (int c = 0; c < bw; ++c) row[c] = t[c * ld + i];
+  }
+  return stop;
+}
+
 using ApplyFn = void (*)(const double*, int, int, int, double* const*, const double* const*, int);
 using BackFn = void (*)(double* const*, int, int, double* const*, double*, double*);
+using PanelFn = int (*)(State&, int, int);
 
 struct Kernels {
   ApplyFn apply;
   BackFn back;
+  PanelFn panel;
   int strip;  // the doubles of a row of BackFn's strip
 };
 
@@ -236,7 +352,8 @@ void ApplyPlain(const double* u, int us, int nk, int w, double* const* x, const 
 void BackPlain(double* const* a, int n, int step, double* const* e, double* r, double* strip) {
   BackImpl<VPlain, kPlainRows, kPlainVectors>(a, n, step, e, r, strip);
 }
-constexpr Kernels kPlain = {ApplyPlain, BackPlain, kPlainVectors* kLanes<VPlain>};
+int PanelPlain(State& s, int k0, int k1) { return PanelImpl<VPlain>(s, k0, k1); }
+constexpr Kernels kPlain = {ApplyPlain, BackPlain, PanelPlain, kPlainVectors* kLanes<VPlain>};
 
 #if defined(ZR_GK_X86)
 __attribute__((target("avx2"))) void ApplyAvx2(const double* u, int us, int nk, int w,
@@ -248,7 +365,10 @@ __attribute__((target("avx2"))) void BackAvx2(double* const* a, int n, int step,
                                               double* r, double* strip) {
   BackImpl<V4, 3, 4>(a, n, step, e, r, strip);
 }
-constexpr Kernels kAvx2 = {ApplyAvx2, BackAvx2, 16};
+__attribute__((target("avx2"))) int PanelAvx2(State& s, int k0, int k1) {
+  return PanelImpl<V4>(s, k0, k1);
+}
+constexpr Kernels kAvx2 = {ApplyAvx2, BackAvx2, PanelAvx2, 16};
 
 __attribute__((target("avx512f"))) void ApplyAvx512(const double* u, int us, int nk, int w,
                                                     double* const* x, const double* const* lv,
@@ -259,7 +379,10 @@ __attribute__((target("avx512f"))) void BackAvx512(double* const* a, int n, int 
                                                    double* const* e, double* r, double* strip) {
   BackImpl<V8, 6, 4>(a, n, step, e, r, strip);
 }
-constexpr Kernels kAvx512 = {ApplyAvx512, BackAvx512, 32};
+__attribute__((target("avx512f"))) int PanelAvx512(State& s, int k0, int k1) {
+  return PanelImpl<V8>(s, k0, k1);
+}
+constexpr Kernels kAvx512 = {ApplyAvx512, BackAvx512, PanelAvx512, 32};
 #endif
 
 int BestLevel() {
@@ -298,27 +421,6 @@ class Scratch {
 
  private:
   void* raw_;
-};
-
-// Steps held back and applied together, columns of one packed block, and the width of
-// the panel factored step by step.
-constexpr int kStepChunk = 64;
-constexpr int kColumnBlock = 256;
-constexpr int kBase = 8;
-
-struct State {
-  int n = 0;
-  int* perm = nullptr;     // place -> physical row
-  double** a = nullptr;    // physical row -> its elements, contiguous
-  double* linv = nullptr;  // 1 / l of physical row j at step k: linv[j * ldl + k]
-  long ldl = 0;
-  std::uint64_t* zero = nullptr;  // bit k of row j: l was zero at step k (row left alone)
-  long ldz = 0;
-  double* inv = nullptr;   // 1 / p of step k
-  double* pack = nullptr;  // kStepChunk x kColumnBlock finished pivot rows
-  double** xs = nullptr;
-  const double** ls = nullptr;
-  const Kernels* ker = nullptr;
 };
 
 bool ZeroAt(const std::uint64_t* z, int k) { return ((z[k >> 6] >> (k & 63)) & 1u) != 0; }
@@ -365,6 +467,32 @@ void Apply(State& s, int sa, int sb, int pa, int pb, double* const* rowp, int c0
   s.ker->apply(u, us, sb - sa, w, s.xs, s.ls, count);
 }
 
+// Finishes, in the columns b0 .. b0+w-1, the pivot rows of the steps a .. b-1, which have
+// had the steps s0 .. a-1 already: their remaining steps, then the scaling by 1/p; each is
+// packed (row k - s0) for the rows below. Halves are split off so that most of the work
+// runs in tiles of several rows.
+void Finish(State& s, int s0, int a, int b, double* const* rowp, int b0, int w, int us) {
+  const double* const u = s.pack + static_cast<long>(a - s0) * us;
+  if (b - a > kBase) {
+    const int mid = a + (b - a) / 2;
+    Finish(s, s0, a, mid, rowp, b0, w, us);
+    Apply(s, a, mid, mid, b, rowp, b0, w, u, us);
+    Finish(s, s0, mid, b, rowp, b0, w, us);
+    return;
+  }
+  for (int k = a; k < b; ++k) {
+    Apply(s, a, k, k, k + 1, rowp, b0, w, u, us);
+    double* const x = rowp[s.perm[k]] + b0;
+    double* const dst = s.pack + static_cast<long>(k - s0) * us;
+    const double inv = s.inv[k];
+    for (int m = 0; m < w; ++m) {
+      x[m] = x[m] * inv;
+      dst[m] = x[m];
+    }
+    for (int m = w; m < us; ++m) dst[m] = 0;
+  }
+}
+
 // The steps ka .. kb-1 (factored already) applied to the columns c0 .. c1-1 of the row set
 // rowp: the pivot rows are finished (their earlier steps, then the scaling by 1/p) and the
 // rows below them updated, kStepChunk steps at a time.
@@ -374,66 +502,17 @@ void Update(State& s, int ka, int kb, double* const* rowp, int c0, int c1) {
     for (int b0 = c0; b0 < c1; b0 += kColumnBlock) {
       const int w = c1 - b0 < kColumnBlock ? c1 - b0 : kColumnBlock;
       const int us = (w + 7) & ~7;
-      for (int k = s0; k < s1; ++k) {
-        Apply(s, s0, k, k, k + 1, rowp, b0, w, s.pack, us);
-        double* const x = rowp[s.perm[k]] + b0;
-        double* const dst = s.pack + static_cast<long>(k - s0) * us;
-        const double inv = s.inv[k];
-        for (int m = 0; m < w; ++m) {
-          x[m] = x[m] * inv;
-          dst[m] = x[m];
-        }
-        for (int m = w; m < us; ++m) dst[m] = 0;
-      }
+      Finish(s, s0, s0, s1, rowp, b0, w, us);
       Apply(s, s0, s1, s1, s.n, rowp, b0, w, s.pack, us);
     }
   }
-}
-
-// The steps k0 .. k1-1 done one by one, touching only the columns below k1. Returns the
-// step of a zero pivot, or k1.
-int FactorBase(State& s, int k0, int k1) {
-  const int n = s.n;
-  for (int k = k0; k < k1; ++k) {
-    // The exchange is made during the scan.
-    double best = std::fabs(s.a[s.perm[k]][k]);
-    for (int i = k + 1; i < n; ++i) {
-      const double v = std::fabs(s.a[s.perm[i]][k]);
-      if (v > best) {
-        std::swap(s.perm[k], s.perm[i]);
-        best = v;
-      }
-    }
-    double* const prow = s.a[s.perm[k]];
-    const double p = prow[k];
-    if (p == 0) return k;
-    const double inv = 1.0 / p;
-    s.inv[k] = inv;
-    for (int m = k + 1; m < k1; ++m) prow[m] = prow[m] * inv;
-    for (int i = k + 1; i < n; ++i) {
-      const int j = s.perm[i];
-      double* const x = s.a[j];
-      const double l = x[k];
-      if (l == 0) {
-        s.zero[j * s.ldz + (k >> 6)] |= std::uint64_t{1} << (k & 63);
-        continue;
-      }
-      const double linv = 1.0 / l;
-      s.linv[j * s.ldl + k] = linv;
-      for (int m = k + 1; m < k1; ++m) {
-        const double scaled = linv * x[m];
-        x[m] = scaled - prow[m];
-      }
-    }
-  }
-  return k1;
 }
 
 // The steps k0 .. k1-1 on the columns below k1, recursively: the left half, its steps held
 // back and applied to the right half, then the right half. Returns the step of a zero
 // pivot, or k1.
 int Factor(State& s, int k0, int k1) {
-  if (k1 - k0 <= kBase) return FactorBase(s, k0, k1);
+  if (k1 - k0 <= kBase) return s.ker->panel(s, k0, k1);
   const int half = (k1 - k0) / 2;
   const int mid = k0 + (half + kBase - 1) / kBase * kBase;
   const int stop = Factor(s, k0, mid);
@@ -491,6 +570,8 @@ int GaussEliminate(double** rows, int n, int cols, int step, double** b, double*
   Scratch<std::uint64_t> zero(un * static_cast<std::uint64_t>(ldz));
   Scratch<double> inv(static_cast<std::uint64_t>(ldl));
   Scratch<double> pack(static_cast<std::uint64_t>(kStepChunk) * kColumnBlock);
+  Scratch<double> panel(static_cast<std::uint64_t>(kBase) * (un + 8));
+  Scratch<double> recip(un);
 
   double** const orow = orig.get();
   double** const ob = orow + n;
@@ -520,6 +601,8 @@ int GaussEliminate(double** rows, int n, int cols, int step, double** b, double*
   s.ldz = ldz;
   s.inv = inv.get();
   s.pack = pack.get();
+  s.panel = panel.get();
+  s.recip = recip.get();
   s.xs = xs.get();
   s.ls = ls.get();
   s.ker = &CurrentKernels();
