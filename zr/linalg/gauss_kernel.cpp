@@ -32,14 +32,23 @@ using VPlain = double;
 template <class V>
 constexpr int kLanes = static_cast<int>(sizeof(V) / sizeof(double));
 
-template <class V>
-ZR_GK_INLINE void Load(V& v, const double* p) {
-  std::memcpy(&v, p, sizeof(V));
-}
-template <class V>
-ZR_GK_INLINE void Store(double* p, const V& v) {
-  std::memcpy(p, &v, sizeof(V));
-}
+// Unaligned loads and stores of whole vectors (rows start anywhere a double may).
+#if defined(__GNUC__) || defined(__clang__)
+typedef double V2u __attribute__((vector_size(16), aligned(8), may_alias));
+ZR_GK_INLINE void Load(V2& v, const double* p) { v = *reinterpret_cast<const V2u*>(p); }
+ZR_GK_INLINE void Store(double* p, const V2& v) { *reinterpret_cast<V2u*>(p) = v; }
+#if defined(ZR_GK_X86)
+typedef double V4u __attribute__((vector_size(32), aligned(8), may_alias));
+typedef double V8u __attribute__((vector_size(64), aligned(8), may_alias));
+ZR_GK_INLINE void Load(V4& v, const double* p) { v = *reinterpret_cast<const V4u*>(p); }
+ZR_GK_INLINE void Store(double* p, const V4& v) { *reinterpret_cast<V4u*>(p) = v; }
+ZR_GK_INLINE void Load(V8& v, const double* p) { v = *reinterpret_cast<const V8u*>(p); }
+ZR_GK_INLINE void Store(double* p, const V8& v) { *reinterpret_cast<V8u*>(p) = v; }
+#endif
+#else
+inline void Load(double& v, const double* p) { v = *p; }
+inline void Store(double* p, const double& v) { *p = v; }
+#endif
 
 // R rows x C vectors of a tile, read from and written back to rows that may end before
 // the last vector does (w columns).
@@ -230,7 +239,9 @@ struct Kernels;
 // the panel factored step by step.
 constexpr int kStepChunk = 64;
 constexpr int kColumnBlock = 256;
-constexpr int kBase = 8;
+constexpr int kBase = 8;    // a panel's zero bits stay in one word
+constexpr int kSmall = 64;  // systems of at most this many rows go step by step
+static_assert(64 % kBase == 0, "panels must not straddle a word of zero bits");
 
 struct State {
   int n = 0;
@@ -243,7 +254,6 @@ struct State {
   double* inv = nullptr;    // 1 / p of step k
   double* pack = nullptr;   // kStepChunk x kColumnBlock finished pivot rows
   double* panel = nullptr;  // kBase columns of the rows below a panel, by place
-  double* recip = nullptr;  // n doubles
   double** xs = nullptr;
   const double** ls = nullptr;
   const Kernels* ker = nullptr;
@@ -273,7 +283,10 @@ ZR_GK_INLINE int PanelImpl(State& s, int k0, int k1) {
       const double v = std::fabs(col[i]);
       if (v > best) {
         std::swap(s.perm[k], s.perm[k0 + i]);
-        for (int c = 0; c < bw; ++c) std::swap(t[c * ld + kc], t[c * ld + i]);
+        for (int c = 0; c < bw; ++c) {
+          std::swap(t[c * ld + kc], t[c * ld + i]);
+          std::swap(t[(kBase + c) * ld + kc], t[(kBase + c) * ld + i]);
+        }
         best = v;
       }
     }
@@ -285,8 +298,9 @@ ZR_GK_INLINE int PanelImpl(State& s, int k0, int k1) {
     const double inv = 1.0 / p;
     s.inv[k] = inv;
     for (int c = kc + 1; c < bw; ++c) t[c * ld + kc] = t[c * ld + kc] * inv;
-    // 1 / l of the rows below, kept by physical row; a zero l leaves its row alone.
-    double* const r = s.recip;
+    // 1 / l of the rows below, in the copy beside the columns (moved by later exchanges
+    // with them) and kept by physical row at the end; a zero l leaves its row alone.
+    double* const r = t + (kBase + kc) * ld;
     int i = kc + 1;
     for (; i + L <= count; i += L) {
       V l;
@@ -295,14 +309,6 @@ ZR_GK_INLINE int PanelImpl(State& s, int k0, int k1) {
       Store(r + i, q);
     }
     for (; i < count; ++i) r[i] = 1.0 / col[i];
-    for (i = kc + 1; i < count; ++i) {
-      const long j = s.perm[k0 + i];
-      if (col[i] == 0) {
-        s.zero[j * s.ldz + (k >> 6)] |= std::uint64_t{1} << (k & 63);
-      } else {
-        s.linv[j * s.ldl + k] = r[i];
-      }
-    }
     for (int c = kc + 1; c < bw; ++c) {
       double* const x = t + c * ld;
       const double pm = x[kc];
@@ -325,20 +331,105 @@ ZR_GK_INLINE int PanelImpl(State& s, int k0, int k1) {
     }
   }
   for (int i = 0; i < count; ++i) {
-    double* const row = s.a[s.perm[k0 + i]] + k0;
+    const long j = s.perm[k0 + i];
+    double* const row = s.a[j] + k0;
     for (int c = 0; c < bw; ++c) row[c] = t[c * ld + i];
+    double* const lrow = s.linv + j * s.ldl + k0;
+    std::uint64_t zeros = 0;
+    for (int c = 0; c < stop - k0 && c < i; ++c) {
+      if (t[c * ld + i] == 0) {
+        zeros |= std::uint64_t{1} << c;
+      } else {
+        lrow[c] = t[(kBase + c) * ld + i];
+      }
+    }
+    s.zero[j * s.ldz + (k0 >> 6)] |= zeros << (k0 & 63);
   }
   return stop;
+}
+
+// x = linv * x - u over w elements, and x = x * inv.
+template <class V>
+ZR_GK_INLINE void RowUpdate(double* x, const double* u, double linv, int w) {
+  constexpr int L = kLanes<V>;
+  int m = 0;
+  for (; m + L <= w; m += L) {
+    V xv, uv;
+    Load(xv, x + m);
+    Load(uv, u + m);
+    const V scaled = linv * xv;
+    xv = scaled - uv;
+    Store(x + m, xv);
+  }
+  for (; m < w; ++m) {
+    const double scaled = linv * x[m];
+    x[m] = scaled - u[m];
+  }
+}
+
+template <class V>
+ZR_GK_INLINE void RowScale(double* x, double inv, int w) {
+  constexpr int L = kLanes<V>;
+  int m = 0;
+  for (; m + L <= w; m += L) {
+    V xv;
+    Load(xv, x + m);
+    xv = xv * inv;
+    Store(x + m, xv);
+  }
+  for (; m < w; ++m) x[m] = x[m] * inv;
+}
+
+// The whole elimination step by step, as the plain loops do it but a vector at a time
+// along the rows: for small systems, where holding steps back does not pay. Columns
+// 0 .. last-1 are searched, cols columns updated, b and e (by physical row) as well.
+// Returns the step of a zero pivot, or last.
+template <class V>
+ZR_GK_INLINE int SmallImpl(State& s, int last, int cols, double* const* b, double* const* e,
+                           int en) {
+  const int n = s.n;
+  for (int k = 0; k < last; ++k) {
+    double best = std::fabs(s.a[s.perm[k]][k]);
+    for (int i = k + 1; i < n; ++i) {
+      const double v = std::fabs(s.a[s.perm[i]][k]);
+      if (v > best) {
+        std::swap(s.perm[k], s.perm[i]);
+        best = v;
+      }
+    }
+    const int pk = s.perm[k];
+    double* const prow = s.a[pk];
+    const double p = prow[k];
+    if (p == 0) return k;
+    const double inv = 1.0 / p;
+    const int w = cols - k - 1;
+    RowScale<V>(prow + k + 1, inv, w);
+    if (b) *b[pk] = *b[pk] * inv;
+    if (e) RowScale<V>(e[pk], inv, en);
+    for (int i = k + 1; i < n; ++i) {
+      const int j = s.perm[i];
+      double* const x = s.a[j];
+      const double l = x[k];
+      if (l == 0) continue;
+      const double linv = 1.0 / l;
+      RowUpdate<V>(x + k + 1, prow + k + 1, linv, w);
+      if (b) *b[j] = linv * *b[j] - *b[pk];
+      if (e) RowUpdate<V>(e[j], e[pk], linv, en);
+    }
+  }
+  return last;
 }
 
 using ApplyFn = void (*)(const double*, int, int, int, double* const*, const double* const*, int);
 using BackFn = void (*)(double* const*, int, int, double* const*, double*, double*);
 using PanelFn = int (*)(State&, int, int);
+using SmallFn = int (*)(State&, int, int, double* const*, double* const*, int);
 
 struct Kernels {
   ApplyFn apply;
   BackFn back;
   PanelFn panel;
+  SmallFn small;
   int strip;  // the doubles of a row of BackFn's strip
 };
 
@@ -353,22 +444,30 @@ void BackPlain(double* const* a, int n, int step, double* const* e, double* r, d
   BackImpl<VPlain, kPlainRows, kPlainVectors>(a, n, step, e, r, strip);
 }
 int PanelPlain(State& s, int k0, int k1) { return PanelImpl<VPlain>(s, k0, k1); }
-constexpr Kernels kPlain = {ApplyPlain, BackPlain, PanelPlain, kPlainVectors* kLanes<VPlain>};
+int SmallPlain(State& s, int last, int cols, double* const* b, double* const* e, int en) {
+  return SmallImpl<VPlain>(s, last, cols, b, e, en);
+}
+constexpr Kernels kPlain = {ApplyPlain, BackPlain, PanelPlain, SmallPlain,
+                            kPlainVectors* kLanes<VPlain>};
 
 #if defined(ZR_GK_X86)
 __attribute__((target("avx2"))) void ApplyAvx2(const double* u, int us, int nk, int w,
                                                double* const* x, const double* const* lv,
                                                int nrows) {
-  ApplyImpl<V4, 3, 4>(u, us, nk, w, x, lv, nrows);
+  ApplyImpl<V4, 4, 3>(u, us, nk, w, x, lv, nrows);
 }
 __attribute__((target("avx2"))) void BackAvx2(double* const* a, int n, int step, double* const* e,
                                               double* r, double* strip) {
-  BackImpl<V4, 3, 4>(a, n, step, e, r, strip);
+  BackImpl<V4, 4, 3>(a, n, step, e, r, strip);
 }
 __attribute__((target("avx2"))) int PanelAvx2(State& s, int k0, int k1) {
   return PanelImpl<V4>(s, k0, k1);
 }
-constexpr Kernels kAvx2 = {ApplyAvx2, BackAvx2, PanelAvx2, 16};
+__attribute__((target("avx2"))) int SmallAvx2(State& s, int last, int cols, double* const* b,
+                                              double* const* e, int en) {
+  return SmallImpl<V4>(s, last, cols, b, e, en);
+}
+constexpr Kernels kAvx2 = {ApplyAvx2, BackAvx2, PanelAvx2, SmallAvx2, 12};
 
 __attribute__((target("avx512f"))) void ApplyAvx512(const double* u, int us, int nk, int w,
                                                     double* const* x, const double* const* lv,
@@ -382,7 +481,11 @@ __attribute__((target("avx512f"))) void BackAvx512(double* const* a, int n, int 
 __attribute__((target("avx512f"))) int PanelAvx512(State& s, int k0, int k1) {
   return PanelImpl<V8>(s, k0, k1);
 }
-constexpr Kernels kAvx512 = {ApplyAvx512, BackAvx512, PanelAvx512, 32};
+__attribute__((target("avx512f"))) int SmallAvx512(State& s, int last, int cols, double* const* b,
+                                                   double* const* e, int en) {
+  return SmallImpl<V8>(s, last, cols, b, e, en);
+}
+constexpr Kernels kAvx512 = {ApplyAvx512, BackAvx512, PanelAvx512, SmallAvx512, 32};
 #endif
 
 int BestLevel() {
@@ -560,18 +663,20 @@ int GaussEliminate(double** rows, int n, int cols, int step, double** b, double*
   const int last = n < cols ? n : cols;
   const auto un = static_cast<std::uint64_t>(n);
   const long ldw = (cols + 7) & ~7;
-  const long ldl = last > 0 ? last : 1;
+  // Small systems go step by step; the blocked elimination needs its tables.
+  const bool small = n <= kSmall;
+  const long ldl = small ? 0 : last;
   const long ldz = (ldl + 63) / 64;
+  const std::uint64_t big = small ? 0 : un;
   Scratch<int> perm(un);
-  Scratch<double*> orig(3 * un), a(un), xs(un);
-  Scratch<const double*> ls(un);
+  Scratch<double*> orig(3 * un), a(un), xs(big);
+  Scratch<const double*> ls(big);
   Scratch<double> work(step == 1 ? 0 : un * static_cast<std::uint64_t>(ldw));
-  Scratch<double> linv(un * static_cast<std::uint64_t>(ldl));
-  Scratch<std::uint64_t> zero(un * static_cast<std::uint64_t>(ldz));
+  Scratch<double> linv(big * static_cast<std::uint64_t>(ldl));
+  Scratch<std::uint64_t> zero(big * static_cast<std::uint64_t>(ldz));
   Scratch<double> inv(static_cast<std::uint64_t>(ldl));
-  Scratch<double> pack(static_cast<std::uint64_t>(kStepChunk) * kColumnBlock);
-  Scratch<double> panel(static_cast<std::uint64_t>(kBase) * (un + 8));
-  Scratch<double> recip(un);
+  Scratch<double> pack(small ? 0 : static_cast<std::uint64_t>(kStepChunk) * kColumnBlock);
+  Scratch<double> panel(static_cast<std::uint64_t>(2 * kBase) * (big + 8));
 
   double** const orow = orig.get();
   double** const ob = orow + n;
@@ -589,7 +694,7 @@ int GaussEliminate(double** rows, int n, int cols, int step, double** b, double*
       a.get()[i] = w;
     }
   }
-  std::memset(zero.get(), 0, un * static_cast<std::uint64_t>(ldz) * sizeof(std::uint64_t));
+  std::memset(zero.get(), 0, big * static_cast<std::uint64_t>(ldz) * sizeof(std::uint64_t));
 
   State s;
   s.n = n;
@@ -602,15 +707,19 @@ int GaussEliminate(double** rows, int n, int cols, int step, double** b, double*
   s.inv = inv.get();
   s.pack = pack.get();
   s.panel = panel.get();
-  s.recip = recip.get();
   s.xs = xs.get();
   s.ls = ls.get();
   s.ker = &CurrentKernels();
 
-  const int stop = last > 0 ? Factor(s, 0, last) : 0;
-  if (cols > last) Update(s, 0, stop, s.a, last, cols);
-  if (b) Update(s, 0, stop, ob, 0, 1);
-  if (e && en > 0) Update(s, 0, stop, oe, 0, en);
+  int stop = 0;
+  if (small) {
+    stop = s.ker->small(s, last, cols, b ? ob : nullptr, e ? oe : nullptr, en);
+  } else {
+    stop = last > 0 ? Factor(s, 0, last) : 0;
+    if (cols > last) Update(s, 0, stop, s.a, last, cols);
+    if (b) Update(s, 0, stop, ob, 0, 1);
+    if (e && en > 0) Update(s, 0, stop, oe, 0, en);
+  }
 
   if (step != 1) {
     for (int i = 0; i < n; ++i) {
