@@ -1,5 +1,6 @@
 #include "zr/linalg/gauss_kernel.h"
 
+#include <atomic>
 #include <cmath>
 #include <cstdint>
 #include <cstring>
@@ -497,13 +498,19 @@ int BestLevel() {
   return 0;
 }
 
-int g_level = -1;
+// The kernel set in use, -1 until the first elimination asks (threads may race to set it,
+// always to the same value unless a test chose one).
+std::atomic<int> g_level{-1};
 
 const Kernels& CurrentKernels() {
-  if (g_level < 0) g_level = BestLevel();
+  int level = g_level.load(std::memory_order_relaxed);
+  if (level < 0) {
+    level = GaussKernelLevels();
+    g_level.store(level, std::memory_order_relaxed);
+  }
 #if defined(ZR_GK_X86)
-  if (g_level == 2) return kAvx512;
-  if (g_level == 1) return kAvx2;
+  if (level == 2) return kAvx512;
+  if (level == 1) return kAvx2;
 #endif
   return kPlain;
 }
@@ -775,7 +782,7 @@ int GaussKernelLevels() {
 
 void GaussUseKernelLevel(int level) {
   const int best = GaussKernelLevels();
-  g_level = level < 0 || level > best ? best : level;
+  g_level.store(level < 0 || level > best ? best : level, std::memory_order_relaxed);
 }
 
 }  // namespace zr::detail
