@@ -8,6 +8,7 @@
 #include <type_traits>
 #include <utility>
 
+#include "zr/linalg/gauss_kernel.h"
 #include "zr/linalg/matrix.h"
 #include "zr/linalg/product_kernel.h"
 #include "zr/linalg/vector_impl.h"
@@ -91,6 +92,25 @@ int ForwardEliminate(TT** rows, int n, int cols, int step, TT** b, TT** e, int e
   }
   if (completed > cols) throw BadParameters(ZR_TEXT_SYSTEM_INCONSISTENT);
   return completed;
+}
+
+// ForwardEliminate, by the blocked kernels for double when no two of the elements share
+// storage (`separate`); they give the same bits.
+template <class TT>
+int Eliminate(bool separate, TT** rows, int n, int cols, int step, TT** b, TT** e, int en) {
+  if constexpr (std::is_same_v<TT, double>) {
+    if (separate) return GaussEliminate(rows, n, cols, step, b, e, en);
+  }
+  return ForwardEliminate(rows, n, cols, step, b, e, en);
+}
+
+// Whether a diagonal element of the eliminated rows is a zero pivot.
+template <class TT>
+bool AnyZeroDiagonal(TT** rows, int n, int step) {
+  for (int i = 0; i < n; ++i) {
+    if (IsZeroPivot(RowAt(rows[i], i, step))) return true;
+  }
+  return false;
 }
 
 }  // namespace zr::detail
@@ -421,11 +441,25 @@ void zrMatrix<TT>::SolveEquationGaussMethod(zrColumnVector<TT>& x, zrColumnVecto
     rows[i] = &(*this)(i, 0);
     bp[i] = &b[i];
   }
-  zr::detail::ForwardEliminate(rows.get(), n, cols_, step_line_, bp.get(),
-                               static_cast<TT**>(nullptr), 0);
+  bool separate = false;
+  if constexpr (std::is_same_v<TT, double>) {
+    separate = zr::detail::GaussSeparate(p_, rows_, cols_, step_line_, step_column_, b.GetPointer(),
+                                         n, b.Tab());
+  }
+  zr::detail::Eliminate(separate, rows.get(), n, cols_, step_line_, bp.get(),
+                        static_cast<TT**>(nullptr), 0);
   // Solved aside, so that x may share elements with b or this matrix, and x is left as it
   // was when the system has no unique solution.
   zrColumnVector<TT> r(n);
+  if constexpr (std::is_same_v<TT, double>) {
+    if (n <= cols_) {
+      if (zr::detail::AnyZeroDiagonal(rows.get(), n, step_line_))
+        throw BadParameters(ZR_TEXT_SYSTEM_NOT_UNIQUE);
+      zr::detail::GaussBackSolve(rows.get(), n, step_line_, bp.get(), r.GetPointer(), r.Tab());
+      x = r;
+      return;
+    }
+  }
   for (int i = n - 1; i >= 0; --i) {
     TT xi = *bp[i];
     for (int m = n - 1; m > i; --m) xi = xi - r[m] * zr::detail::RowAt(rows[i], m, step_line_);
@@ -448,9 +482,19 @@ zrMatrix<TT> zrMatrix<TT>::Inverse1() {
     rows[i] = &(*this)(i, 0);
     er[i] = &e(i, 0);
   }
-  zr::detail::ForwardEliminate(rows.get(), n, cols_, step_line_, static_cast<TT**>(nullptr),
-                               er.get(), n);
+  bool separate = false;
+  if constexpr (std::is_same_v<TT, double>) {
+    separate = zr::detail::GaussSeparate(p_, n, n, step_line_, step_column_, nullptr, 0, 0);
+  }
+  zr::detail::Eliminate(separate, rows.get(), n, cols_, step_line_, static_cast<TT**>(nullptr),
+                        er.get(), n);
   zrMatrix r(n, n);
+  if constexpr (std::is_same_v<TT, double>) {
+    if (zr::detail::AnyZeroDiagonal(rows.get(), n, step_line_))
+      throw BadParameters(ZR_TEXT_SYSTEM_NOT_UNIQUE);
+    zr::detail::GaussBackInverse(rows.get(), n, step_line_, er.get(), r.p_);
+    return r;
+  }
   for (int i = n - 1; i >= 0; --i) {
     for (int c = 0; c < n; ++c) r(i, c) = er[i][c];
     for (int m = n - 1; m > i; --m) {
@@ -479,8 +523,13 @@ TT zrMatrix<TT>::Det() const {
   copy.Copy();
   zr::detail::PointerBuffer<TT*> rows(n);
   for (int i = 0; i < n; ++i) rows[i] = &copy(i, 0);
-  zr::detail::ForwardEliminate(rows.get(), n, n, copy.step_line_, static_cast<TT**>(nullptr),
-                               static_cast<TT**>(nullptr), 0);
+  bool separate = false;
+  if constexpr (std::is_same_v<TT, double>) {
+    separate =
+        zr::detail::GaussSeparate(copy.p_, n, n, copy.step_line_, copy.step_column_, nullptr, 0, 0);
+  }
+  zr::detail::Eliminate(separate, rows.get(), n, n, copy.step_line_, static_cast<TT**>(nullptr),
+                        static_cast<TT**>(nullptr), 0);
   TT det = zr::detail::RowAt(rows[0], 0, copy.step_line_);
   for (int i = 1; i < n; ++i) det = det * zr::detail::RowAt(rows[i], i, copy.step_line_);
   return det;
