@@ -150,6 +150,10 @@ TEST(Matrix, GaussSolverAndInverse) {
   EXPECT_EQ(keep[0], 9);
   EXPECT_EQ(SolveText(Rows({{1, 0}, {0, 1}, {1, 1}}), Column({1, 2, 3}), x),
             kPrefix + Cp1251("Система не совместна."));
+  // A zero pivot before the last column does not let a tall system through to a back
+  // substitution that would read past its rows.
+  EXPECT_EQ(SolveText(Rows({{1, 0}, {2, 0}, {3, 0}}), Column({1, 2, 3}), x),
+            kPrefix + Cp1251("Система не совместна."));
 
   M c = Rows({{4, 0}, {2, 3}});
   // The second pivot is 0.5 * 3 - 0 = 1.5.

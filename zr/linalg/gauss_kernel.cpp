@@ -741,7 +741,9 @@ int GaussEliminate(double** rows, int n, int cols, int step, double** b, double*
     if (e) e[i] = oe[j];
   }
   const int completed = stop < last ? stop : n;
-  if (completed > cols) throw BadParameters(ZR_TEXT_SYSTEM_INCONSISTENT);
+  // More rows than columns: the back substitution would need diagonal elements the
+  // rows do not have, whether or not a zero pivot stopped the elimination.
+  if (n > cols) throw BadParameters(ZR_TEXT_SYSTEM_INCONSISTENT);
   return completed;
 }
 

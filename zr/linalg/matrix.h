@@ -63,7 +63,9 @@
 /// right-hand side of another length than the rows; "different length." for a column
 /// vector of another length than the columns; "Matrix must be square." (Inverse1,
 /// Inverse); "Det: Matrix must be square."; and the solver's two Windows-1251 texts,
-/// ZR_TEXT_SYSTEM_INCONSISTENT (more rows than columns were eliminated) and
+/// ZR_TEXT_SYSTEM_INCONSISTENT (more rows than columns: thrown after the forward
+/// elimination, even when a zero pivot stopped it, since back substitution would read
+/// diagonal elements past the rows' ends) and
 /// ZR_TEXT_SYSTEM_NOT_UNIQUE (back substitution met a zero diagonal).
 ///
 /// Flat form: rows and columns as signed 32-bit little-endian integers, then the elements

@@ -90,7 +90,9 @@ int ForwardEliminate(TT** rows, int n, int cols, int step, TT** b, TT** e, int e
       }
     }
   }
-  if (completed > cols) throw BadParameters(ZR_TEXT_SYSTEM_INCONSISTENT);
+  // More rows than columns: the back substitution would need diagonal elements the
+  // rows do not have, whether or not a zero pivot stopped the elimination.
+  if (n > cols) throw BadParameters(ZR_TEXT_SYSTEM_INCONSISTENT);
   return completed;
 }
 
