@@ -546,17 +546,41 @@ TEST(FaultInjection, TridiagonalSolvers) {
         s.a.SolveEquationFactorizeMethod(s.up2, s.down2, f, s.b);
         Col g;
         s.a.SolveEquationCycleFactorizeMethod(s.up2, s.down2, 0.1, 0.2, 0.1, 0.2, 0.1, 0.2, g, s.b);
+        s.a = s.view;  // another size: new diagonals
       },
       [](S& s) {
-        M3 c(s.a);
-        EXPECT_EQ(c.LineLen(), 7);
-        Col x;
-        s.a.SolveEquationChaserMethod(x, s.b);
-        EXPECT_EQ(x.Len(), 7);
+        // Whatever size it has, the matrix must be whole.
+        const int n = s.a.LineLen();
+        EXPECT_TRUE(n == 7 || n == 9) << n;
+        Col b(n), x;
+        b.Fill(1.0);
+        s.a.SolveEquationChaserMethod(x, b);
+        EXPECT_EQ(zrMatrix<double>(s.a.GetMatrix()).LineLen(), n);
         zrMatrix<double> X(s.X);
       });
-  ExerciseFromMem<M3>(
-      "zrMatrix3Diag FromMem", [band] { return band(6); }, [band] { return band(2); });
+  // Reading another size: the three diagonals must keep one size between them.
+  struct F {
+    M3 target;
+    std::vector<unsigned char> flat;
+  };
+  Exercise(
+      "zrMatrix3Diag FromMem, Set(n)",
+      [band] {
+        F f{band(2), {}};
+        const M3 from = band(6);
+        f.flat.resize(from.MemSize());
+        from.ToMem(f.flat.data());
+        return f;
+      },
+      [](F& f) {
+        f.target.FromMem(f.flat.data());
+        f.target.Set(4);
+      },
+      [](F& f) {
+        const int n = f.target.LineLen();
+        EXPECT_EQ(f.target.Up().Len(), n - 1);
+        EXPECT_EQ(f.target.Down().Len(), n - 1);
+      });
 }
 
 TEST(FaultInjection, Polynomials) {
@@ -614,9 +638,11 @@ TEST(FaultInjection, SplineBuilders) {
         s.s.Make(3, s.codes, s.values);
         zrSpline<double> t;
         t = s.s;
+        s.s = p;
         (void)(t(2.5) + t.Derivative(2.5, 2));
       },
       [](S& s) {
+        for (double x = 0; x <= 7; x += 0.5) (void)(s.s(x) + s.s.Derivative(x, 1));
         zrSpline<double> d(s.s);
         d.MkSpline3(s.codes, s.values);
         (void)d(3.0);
