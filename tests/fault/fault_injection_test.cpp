@@ -844,3 +844,45 @@ TEST(FaultInjection, FlatFormsAndFrames) {
       },
       [](S& s) { EXPECT_EQ(Col(s.origin).Len(), 2); });
 }
+
+// Assignments that change an object's size replace several members; a failure part way
+// must not leave them of different sizes. use() reads every element.
+TEST(FaultInjection, AssignmentsOfAnotherSize) {
+  struct S {
+    zrMatrix<double> m = Hilbertish(3), big = Hilbertish(5);
+    zrArrayND<double> a{Dims({2, 3})}, cube{Dims({3, 4, 2})};
+    zrSimpleArray2D<double> t{2, 2}, wide{3, 7};
+    BetaTube tube{Net(3, 5)}, other{Net(4, 6)};
+    BetaCurve curve{Helix(5)}, longer{Helix(9)};
+  };
+  Exercise(
+      "zrMatrix, zrArrayND, zrSimpleArray2D, BetaTube, BetaCurve assignment of another size",
+      [] {
+        S s;
+        s.a.Fill(1.0);
+        s.cube.Fill(2.0);
+        s.wide.Fill(3.0);
+        s.t.Fill(4.0);
+        return s;
+      },
+      [](S& s) {
+        s.m = s.big;
+        s.a = s.cube;
+        s.t = s.wide;
+        s.tube = s.other;
+        s.curve = s.longer;
+      },
+      [](S& s) {
+        double sum = 0;
+        for (int i = 0; i < s.m.ColumnLen(); ++i)
+          for (int j = 0; j < s.m.LineLen(); ++j) sum += s.m(i, j);
+        for (const double v : s.a) sum += v;
+        for (int y = 0; y < s.t.GetHeight(); ++y)
+          for (int x = 0; x < s.t.GetWidth(); ++x) sum += s.t(y, x);
+        EXPECT_FALSE(std::isnan(sum));
+        (void)s.tube(0.5, 0.5);
+        (void)s.curve(0.5);
+        zrArrayND<double> c(s.a);
+        EXPECT_EQ(c.GetSize(), s.a.GetSize());
+      });
+}
