@@ -118,6 +118,7 @@ TEST(SplineTest, ConditionsMakeCopiesAndErrors) {
     EXPECT_EQ(kBadCount, BadParametersText([&] { s.MkSpline3(c, v); })) << c[0] << c[1];
   // The values the conditions read must exist.
   zrMatrix<double> row(1, 2);
+  row.Fill(0.0);
   EXPECT_EQ(kOutOfRange, BadParametersText([&] { s.MkSpline3(Codes(0, 3), row); }));
   s.MkSpline3(Codes(3, 0), row);
 

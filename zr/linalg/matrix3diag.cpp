@@ -198,11 +198,33 @@ template <class TT>
 zrMatrix3Diag<TT>::zrMatrix3Diag(const zrMatrix3Diag& other)
     : zrUsingNew(other), up_(other.up_), diag_(other.diag_), down_(other.down_) {}
 
+namespace {
+
+// Exchanges the diagonals' handles: the three sizes change together.
+template <class TT>
+void SwapBands(zrMatrix3Diag<TT>& a, zrMatrix3Diag<TT>& b) {
+  a.Up().swap(b.Up());
+  a.Diag().swap(b.Diag());
+  a.Down().swap(b.Down());
+}
+
+}  // namespace
+
 template <class TT>
 zrMatrix3Diag<TT>& zrMatrix3Diag<TT>::operator=(const zrMatrix3Diag& other) {
-  up_ = other.up_;
-  diag_ = other.diag_;
-  down_ = other.down_;
+  if (diag_.Len() == other.diag_.Len()) {  // in place, nothing allocated
+    up_ = other.up_;
+    diag_ = other.diag_;
+    down_ = other.down_;
+    return *this;
+  }
+  // Another size: all three new diagonals first, so that a failed allocation leaves this
+  // matrix as it was rather than with diagonals of two sizes.
+  zrMatrix3Diag fresh;
+  fresh.up_ = other.up_;
+  fresh.diag_ = other.diag_;
+  fresh.down_ = other.down_;
+  SwapBands(*this, fresh);
   return *this;
 }
 
@@ -213,9 +235,11 @@ zrMatrix3Diag<TT>::~zrMatrix3Diag() {
 
 template <class TT>
 void zrMatrix3Diag<TT>::Set(int n) {
-  diag_.Set(n);
-  up_.Set(n > 1 ? n - 1 : 0);
-  down_.Set(n > 1 ? n - 1 : 0);
+  zrMatrix3Diag fresh;  // see operator=
+  fresh.diag_.Set(n);
+  fresh.up_.Set(n > 1 ? n - 1 : 0);
+  fresh.down_.Set(n > 1 ? n - 1 : 0);
+  SwapBands(*this, fresh);
 }
 
 template <class TT>
@@ -437,9 +461,12 @@ int zrMatrix3Diag<TT>::ToMem(unsigned char* buffer) const {
 
 template <class TT>
 int zrMatrix3Diag<TT>::FromMem(const unsigned char* buffer) {
-  int n = up_.FromMem(buffer);
-  n += diag_.FromMem(buffer + n);
-  return n + down_.FromMem(buffer + n);
+  zrMatrix3Diag fresh;  // every diagonal read before any is replaced
+  int n = fresh.up_.FromMem(buffer);
+  n += fresh.diag_.FromMem(buffer + n);
+  n += fresh.down_.FromMem(buffer + n);
+  SwapBands(*this, fresh);
+  return n;
 }
 
 template <class TT>

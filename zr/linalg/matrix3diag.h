@@ -52,12 +52,14 @@ class ZR_API zrMatrix3Diag : public zrUsingNew {
   explicit zrMatrix3Diag(const zrMatrix<TT>& m);
   /// Shares every diagonal.
   zrMatrix3Diag(const zrMatrix3Diag& other);
-  /// Copies values diagonal by diagonal (zrVector<T>::operator=).
+  /// Copies values diagonal by diagonal (zrVector<T>::operator=). Of another size, the
+  /// three new diagonals are all made before any old one is let go, so a failed
+  /// allocation leaves the matrix as it was.
   zrMatrix3Diag& operator=(const zrMatrix3Diag& other);
   ~zrMatrix3Diag() override;
 
   /// Drops the old storage and takes fresh uninitialised diagonals for size n; for
-  /// n <= 1 the two outer diagonals are empty.
+  /// n <= 1 the two outer diagonals are empty. The old ones stay when an allocation fails.
   void Set(int n);
   /// Set(n) only when n differs from the size.
   void Init(int n);
@@ -125,10 +127,10 @@ class ZR_API zrMatrix3Diag : public zrUsingNew {
 
   /// The flat form: Up, Diag, Down one after another, each in the vector's form
   /// (4-byte length, then the elements packed). For a well-formed matrix MemSize is
-  /// 2 * Up's size + Diag's size. FromMem gives every diagonal fresh storage and takes
-  /// the lengths as they come. The checked reader zrFromMem(buffer, size, matrix)
-  /// (zr/core/serialize.h) also refuses a form whose Up or Down has another length than
-  /// a well-formed matrix's (a negative length counts as 0).
+  /// 2 * Up's size + Diag's size. FromMem gives every diagonal fresh storage, takes the
+  /// lengths as they come and changes nothing when it throws. The checked reader
+  /// zrFromMem(buffer, size, matrix) (zr/core/serialize.h) also refuses a form whose Up or
+  /// Down has another length than a well-formed matrix's (a negative length counts as 0).
   int MemSize() const;
   int ToMem(unsigned char* buffer) const;
   int FromMem(const unsigned char* buffer);
