@@ -90,6 +90,20 @@ zrArray<int> Sizes(std::initializer_list<int> sizes) {
   return range;
 }
 
+// Objects of a given shape with every element set, so that their flat forms compare.
+template <class T>
+T Filled(T object, typename T::value_type value = {}) {
+  object.Fill(value);
+  return object;
+}
+zrMatrix3Diag<double> Tridiagonal(int n) {
+  zrMatrix3Diag<double> d(n);
+  d.Up().Fill(0);
+  d.Diag().Fill(0);
+  d.Down().Fill(0);
+  return d;
+}
+
 template <class T>
 zrArray<T> Ramp(int n) {
   zrArray<T> a(n);
@@ -150,26 +164,26 @@ TEST(FlatChecked, VectorsAndMatricesReadWholeAndRefuseShortForms) {
   zrMatrix<double> m(2, 3);
   for (int i = 0; i < 2; ++i)
     for (int j = 0; j < 3; ++j) m(i, j) = i * 10 + j;
-  CheckWholeAndCut(m, zrMatrix<double>(1, 1));
-  CheckWholeAndCut(zrMatrix<zrComplex>(1, 2), zrMatrix<zrComplex>());
+  CheckWholeAndCut(m, Filled(zrMatrix<double>(1, 1)));
+  CheckWholeAndCut(Filled(zrMatrix<zrComplex>(1, 2)), zrMatrix<zrComplex>());
   CheckWholeAndCut(zrMatrix<double>(), m);
 
   zrMatrix3Diag<double> d(3);
   for (int i = 0; i < 3; ++i) d.Diag()[i] = 4;
   for (int i = 0; i < 2; ++i) d.Up()[i] = d.Down()[i] = 1;
-  CheckWholeAndCut(d, zrMatrix3Diag<double>(2));
-  CheckWholeAndCut(zrMatrix3Diag<double>(1), zrMatrix3Diag<double>());
+  CheckWholeAndCut(d, Tridiagonal(2));
+  CheckWholeAndCut(Tridiagonal(1), zrMatrix3Diag<double>());
 }
 
 TEST(FlatChecked, NDArraysReadWholeAndRefuseShortForms) {
   zrArrayND<float> a(Sizes({2, 3}));
   a.Fill(1.5f);
-  CheckWholeAndCut(a, zrArrayND<float>(Sizes({1})));
-  CheckWholeAndCut(zrArrayND<int>(Sizes({3, 0, 2})), zrArrayND<int>(Sizes({2})));
+  CheckWholeAndCut(a, Filled(zrArrayND<float>(Sizes({1}))));
+  CheckWholeAndCut(zrArrayND<int>(Sizes({3, 0, 2})), Filled(zrArrayND<int>(Sizes({2}))));
   // Read through the base class: the typed array behind it gives the element size.
-  zrArrayND<double> target(Sizes({4}));
+  zrArrayND<double> target = Filled(zrArrayND<double>(Sizes({4})));
   zrArrayNDAbs& base = target;
-  const Bytes form = Flat(zrArrayND<double>(Sizes({2, 2})));
+  const Bytes form = Flat(Filled(zrArrayND<double>(Sizes({2, 2}))));
   EXPECT_EQ(ReadChecked(form, base), static_cast<int>(form.size()));
   EXPECT_EQ(target.Range(), Sizes({2, 2}));
   EXPECT_EQ(ReadChecked(form.data(), form.size() - 1, base), -1);
@@ -188,7 +202,7 @@ TEST(FlatChecked, LyingCountsAreRefused) {
   // A length below 1 is the empty vector's form and stands alone.
   EXPECT_EQ(ReadChecked(Counts({-3}), vector), 4);
 
-  zrMatrix<zrTVec3<double>> matrix(1, 1);
+  zrMatrix<zrTVec3<double>> matrix = Filled(zrMatrix<zrTVec3<double>>(1, 1));
   for (auto sizes : {Counts({-1, 2}, 48), Counts({2, -1}, 48), Counts({1 << 16, 1 << 16}, 48),
                      Counts({INT_MAX, INT_MAX}, 48), Counts({2, 2}, 95)}) {
     EXPECT_EQ(ReadChecked(sizes, matrix), -1);
@@ -196,7 +210,7 @@ TEST(FlatChecked, LyingCountsAreRefused) {
   // A zero size needs no elements, whatever the other size.
   EXPECT_EQ(ReadChecked(Counts({0, INT_MAX}), matrix), 8);
 
-  zrMatrix3Diag<double> tri(2);
+  zrMatrix3Diag<double> tri = Tridiagonal(2);
   for (auto lengths : {Counts({1, 3, 1}, 40), Counts({0, 2, 1}, 24), Counts({2, 2, 2}, 48),
                        Counts({INT_MAX, 1, 0})}) {
     EXPECT_EQ(ReadChecked(lengths, tri), -1);
@@ -204,7 +218,7 @@ TEST(FlatChecked, LyingCountsAreRefused) {
   // Up of length -1 (read as 0), Diag of one element (two zero words), Down of 0.
   EXPECT_EQ(ReadChecked(Counts({-1, 1, 0, 0, 0}), tri), 20);
 
-  zrArrayND<unsigned short> nd(Sizes({2}));
+  zrArrayND<unsigned short> nd = Filled(zrArrayND<unsigned short>(Sizes({2})));
   for (auto sizes : {Counts({-1}), Counts({INT_MAX, 1}), Counts({1, -2}),
                      Counts({2, 1 << 16, 1 << 16}), Counts({3, INT_MAX, INT_MAX, INT_MAX}, 8),
                      // the product passes INT_MAX before the zero that would end it
