@@ -81,7 +81,9 @@ void CrossBlocks(Block block, Part part, int r0, int r1, double* a, std::ptrdiff
 // versions of it report as uninitialised.
 #pragma GCC diagnostic push
 #pragma GCC diagnostic ignored "-Wuninitialized"
+#if !defined(__clang__)
 #pragma GCC diagnostic ignored "-Wmaybe-uninitialized"
+#endif
 
 template <NDOp op>
 __attribute__((target("avx512f"))) inline __m512d Apply512(__m512d x, __m512d y) {
