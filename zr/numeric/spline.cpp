@@ -86,11 +86,20 @@ zrSpline<TT>::zrSpline(const zrSimpleArray<zrColumnVector<TT>>& points) {
 template <class TT>
 zrSpline<TT>::zrSpline(const zrSpline& other)
     : zrUsingNew(other),
-      segments_(other.segments_),
-      points_(other.points_),
       records_(other.records_),
       koef_(other.koef_),
       increasing_(other.increasing_) {
+  // The points and, when the records hold them, the segments view this copy's own records;
+  // anything else is copied element by element.
+  BindPoints(other.points_, records_, points_);
+  if (koef_ > 0) {
+    zrSimpleArray<zrPolynom<TT>> segments(other.segments_.Len());
+    segments_.swap(segments);
+    for (int i = 0; i < segments_.Len(); ++i) BindSegment(i, koef_);
+  } else {
+    zrSimpleArray<zrPolynom<TT>> segments(other.segments_);
+    segments_.swap(segments);
+  }
   // The tree's alignment belongs to its block, so the copy lays out its own.
   if (increasing_ && records_.Len() > 0) depth_ = MakeTree(records_, tree_);
 }
@@ -118,13 +127,15 @@ void zrSpline<TT>::Set(const zrSimpleArray<zrColumnVector<TT>>& points) {
   if (n < 3) throw BadParameters("Spline: number of point must be >= 3");
   for (int i = 0; i < n; ++i)
     if (points[i].Len() < 2) throw BadParameters("Spline: point must have 2 coordinates");
-  zrSimpleArray<zrColumnVector<TT>> copy(points);
+  zrSimpleArray<TT> records, tree;
+  MakeRecords(points, records);
+  zrSimpleArray<zrColumnVector<TT>> copy;
+  BindPoints(points, records, copy);
   zrSimpleArray<zrPolynom<TT>> segments(n - 1);
   int increasing = 1;
-  for (int i = 1; i < n; ++i)
-    if (!(copy[i][0] >= copy[i - 1][0])) increasing = 0;
-  zrSimpleArray<TT> records, tree;
-  MakeRecords(copy, records);
+  const TT* const r = records.GetPointer();
+  for (std::int64_t i = 1; i < n; ++i)
+    if (!(r[i * kRecord] >= r[(i - 1) * kRecord])) increasing = 0;
   const int depth = increasing ? MakeTree(records, tree) : 0;
   points_.swap(copy);
   segments_.swap(segments);
@@ -146,6 +157,31 @@ void zrSpline<TT>::MakeRecords(const zrSimpleArray<zrColumnVector<TT>>& points,
     r[1] = points[i][1];
     for (int j = 2; j < kRecord; ++j) r[j] = TT{};
   }
+}
+
+template <class TT>
+void zrSpline<TT>::BindPoints(const zrSimpleArray<zrColumnVector<TT>>& points,
+                              const zrSimpleArray<TT>& records,
+                              zrSimpleArray<zrColumnVector<TT>>& out) {
+  const int n = points.Len();
+  zrSimpleArray<zrColumnVector<TT>> bound(n);
+  TT* r = records.GetPointer();
+  for (int i = 0; i < n; ++i, r += kRecord) {
+    if (points[i].Len() == 2) {
+      bound[i].SetDirectly(r, 2, 1, records);
+    } else {
+      bound[i] = points[i];
+    }
+  }
+  out.swap(bound);
+}
+
+template <class TT>
+void zrSpline<TT>::BindSegment(int i, int koef) {
+  TT* const r = records_.GetPointer() + static_cast<std::int64_t>(i) * kRecord;
+  zrPolynom<TT>& p = segments_[i];
+  p.SetDirectly(r + 2, koef, 1, records_);
+  p.SetKoef(p, r[0], zrPolynom<TT>::PowerKoef);  // form and centre; the values stay
 }
 
 template <class TT>
@@ -195,36 +231,26 @@ int zrSpline<TT>::CountConditions(const zrSimpleArray<int>& codes,
 template <class TT>
 void zrSpline<TT>::SetSegment(int i, const zrColumnVector<TT>& k) {
   TT* const r = records_.GetPointer() + static_cast<std::int64_t>(i) * kRecord;
-  segments_[i].SetKoef(k, r[0], zrPolynom<TT>::PowerKoef);
   for (int j = 0; j < k.Len(); ++j) r[2 + j] = k[j];
+  BindSegment(i, k.Len());
 }
 
 template <class TT>
 void zrSpline<TT>::BuildSegments3(const TT* moments, int periodic) {
   const int n = points_.Len();
-  const TT* const r = records_.GetPointer();
-  const auto x = [r](int i) { return r[static_cast<std::int64_t>(i) * kRecord]; };
-  const auto y = [r](int i) { return r[static_cast<std::int64_t>(i) * kRecord + 1]; };
-  // After a cubic build on these points every segment is already a PowerKoef cubic about
-  // its node, so SetKoef would only copy the values in place: they are written directly.
-  const bool cubic = koef_ == 4;
-  zrColumnVector<TT> k(4);
-  koef_ = 0;  // the records lag behind the polynomials until every segment is set
+  koef_ = 0;  // the records hold the segments again once every one is bound
   for (int i = 0; i < n - 1; ++i) {
+    TT* const r = records_.GetPointer() + static_cast<std::int64_t>(i) * kRecord;
     const int wrap = periodic != 0 && i == n - 2;
-    const TT h = x(i + 1) - x(i);
+    const TT h = r[kRecord] - r[0];
     const TT m0 = moments[i];
     const TT m1 = wrap ? moments[0] : moments[i + 1];
-    const TT y1 = wrap ? y(0) : y(i + 1);
-    const TT c[4] = {(m1 - m0) / (6 * h), 0.5 * m0, (y1 - y(i)) / h - (m1 / 6 + m0 / 3) * h, y(i)};
-    if (cubic) {
-      zrPolynom<TT>& p = segments_[i];
-      TT* const r = records_.GetPointer() + static_cast<std::int64_t>(i) * kRecord;
-      for (int j = 0; j < 4; ++j) p[j] = r[2 + j] = c[j];
-    } else {
-      for (int j = 0; j < 4; ++j) k[j] = c[j];
-      SetSegment(i, k);
-    }
+    const TT y1 = wrap ? records_[1] : r[kRecord + 1];
+    r[2] = (m1 - m0) / (6 * h);
+    r[3] = 0.5 * m0;
+    r[4] = (y1 - r[1]) / h - (m1 / 6 + m0 / 3) * h;
+    r[5] = r[1];
+    BindSegment(i, 4);
   }
   koef_ = 4;
 }
@@ -247,7 +273,6 @@ void zrSpline<TT>::MkSpline3(const zrSimpleArray<int>& codes, const zrMatrix<TT>
   const TT* const r = records_.GetPointer();
   const auto x = [r](int i) { return r[static_cast<std::int64_t>(i) * kRecord]; };
   const auto y = [r](int i) { return r[static_cast<std::int64_t>(i) * kRecord + 1]; };
-
   // The end rows start as 2*M = 0; the conditions rewrite them.
   TT diag0 = 2.0, up0 = 0, d0 = 0;
   TT diagN = 2.0, downN = 0, dN = 0;
@@ -274,48 +299,44 @@ void zrSpline<TT>::MkSpline3(const zrSimpleArray<int>& codes, const zrMatrix<TT>
     dN = values(1, 1);
   }
 
-  // alpha (n - 1) and the moments (n), which hold beta on the way down.
-  zrSimpleArray<TT> work(2 * n);
-  TT* const alpha = work.GetPointer();
-  TT* const moments = alpha + n;
-  alpha[0] = -up0 / diag0;
-  moments[0] = d0 / diag0;
+  // alpha[i] and beta[i] wait in record i's first two coefficient places, which the back
+  // substitution reads just before it writes segment i's coefficients there.
+  TT* const rec0 = records_.GetPointer();
+  rec0[2] = -up0 / diag0;
+  rec0[3] = d0 / diag0;
   TT hPrev = hFirst;
   for (int i = 1; i < n - 1; ++i) {
-    const TT h = x(i + 1) - x(i);
+    TT* const rec = rec0 + static_cast<std::int64_t>(i) * kRecord;
+    const TT h = rec[kRecord] - rec[0];
     const TT s = hPrev + h;
     const TT l = h / s;
     const TT down = 1 - l;  // Down[i-1]; Up[i] = l
-    const TT d = 6 / s * ((y(i + 1) - y(i)) / h - (y(i) - y(i - 1)) / hPrev);
-    const TT den = down * alpha[i - 1] + 2.0;
-    alpha[i] = -l / den;
-    moments[i] = (d - down * moments[i - 1]) / den;
+    const TT d = 6 / s * ((rec[kRecord + 1] - rec[1]) / h - (rec[1] - rec[1 - kRecord]) / hPrev);
+    const TT den = down * rec[2 - kRecord] + 2.0;
+    rec[2] = -l / den;
+    rec[3] = (d - down * rec[3 - kRecord]) / den;
     hPrev = h;
   }
-  moments[n - 1] = (dN - downN * moments[n - 2]) / (downN * alpha[n - 2] + diagN);
-  if (koef_ != 4) {
-    for (int i = n - 2; i >= 0; --i) moments[i] = moments[i + 1] * alpha[i] + moments[i];
-    BuildSegments3(moments, 0);
-    if (!Check()) throw BadParameters("error in spline");
-    return;
-  }
-  // Over an earlier cubic the segments are written in place (as BuildSegments3 does) as
-  // soon as their two moments are known, and Check()'s tests run on them there: the
-  // divisions of the coefficients fill the wait of the back substitution.
+  const TT* const last = rec0 + static_cast<std::int64_t>(n - 2) * kRecord;
+  TT m1 = (dN - downN * last[3]) / (downN * last[2] + diagN);
+  // Each segment is written as soon as its two moments are known, and Check()'s tests run
+  // on it there: the divisions of the coefficients fill the wait of the back substitution.
+  // Over an earlier cubic the segments view these places already.
+  const bool bound = koef_ == 4;
   koef_ = 0;
   bool ok = true;
   for (int i = n - 2; i >= 0; --i) {
-    moments[i] = moments[i + 1] * alpha[i] + moments[i];
-    const TT h = x(i + 1) - x(i);
-    const TT m0 = moments[i];
-    const TT m1 = moments[i + 1];
-    const TT c[4] = {(m1 - m0) / (6 * h), 0.5 * m0, (y(i + 1) - y(i)) / h - (m1 / 6 + m0 / 3) * h,
-                     y(i)};
-    zrPolynom<TT>& p = segments_[i];
-    TT* const rec = records_.GetPointer() + static_cast<std::int64_t>(i) * kRecord;
-    for (int j = 0; j < 4; ++j) p[j] = rec[2 + j] = c[j];
+    TT* const rec = rec0 + static_cast<std::int64_t>(i) * kRecord;
+    const TT m0 = m1 * rec[2] + rec[3];
+    const TT h = rec[kRecord] - rec[0];
+    rec[2] = (m1 - m0) / (6 * h);
+    rec[3] = 0.5 * m0;
+    rec[4] = (rec[kRecord + 1] - rec[1]) / h - (m1 / 6 + m0 / 3) * h;
+    rec[5] = rec[1];
+    if (!bound) BindSegment(i, 4);
     ok = ok && zr::detail::CubicEndsClose<TT, kRecord>(rec) &&
          (i == n - 2 || zr::detail::CubicJointClose(rec, rec + kRecord));
+    m1 = m0;
   }
   koef_ = 4;
   if (!ok) throw BadParameters("error in spline");

@@ -5,11 +5,14 @@
 /// The spline owns two arrays, both private to it:
 ///   segments  n - 1 zrPolynom<TT>; segment i covers [x_i, x_(i+1)] and is centred at x_i;
 ///   points    n zrColumnVector<TT>; element 0 of point i is x_i, element 1 is y_i.
-/// Beside them it keeps the same numbers in flat form for evaluation (the abscissas,
-/// ordinates and built coefficients side by side, and the search tree), some 60 bytes a
-/// point; values computed from them are exactly the polynomials' values.
-/// Constructing from points, Set, the copy constructor and operator= copy values (the
-/// arrays' element-wise copies), so nothing the caller holds is shared with the spline.
+/// Their numbers live in one flat block of records, point by point the abscissa, the
+/// ordinate and the built coefficients side by side (48 bytes a point), next to the search
+/// tree: point i (when it has two elements) views x_i and y_i of record i, and a built
+/// segment views its coefficients there, as windows holding the block. Values computed
+/// from the records are exactly the polynomials' values.
+/// Constructing from points, Set, the copy constructor and operator= copy values into the
+/// spline's own block (a point of more than two elements gets a private copy), so nothing
+/// the caller holds is shared with the spline, and no two splines share a block.
 /// The abscissas must not decrease; that is not rejected, but the builders then fail
 /// their check and the segment lookup falls back to the plain scan (below).
 ///
@@ -127,8 +130,15 @@ class ZR_API zrSpline : public zrUsingNew {
   // anything is built.
   int CountConditions(const zrSimpleArray<int>& codes, const zrMatrix<TT>& values) const;
   void BuildSegments3(const TT* moments, int periodic);
-  // Segment i's coefficients (count koef) into its polynomial and its record.
+  // Segment i's coefficients into its record, and the segment bound to them.
   void SetSegment(int i, const zrColumnVector<TT>& k);
+  // Segment i becomes the PowerKoef polynomial about x_i whose koef coefficients are the
+  // ones in record i (it views them; no value is copied).
+  void BindSegment(int i, int koef);
+  // out[i] = a view of record i's abscissa and ordinate for every point of two elements,
+  // a private copy of any other point.
+  static void BindPoints(const zrSimpleArray<zrColumnVector<TT>>& points,
+                         const zrSimpleArray<TT>& records, zrSimpleArray<zrColumnVector<TT>>& out);
   // The records' abscissas and ordinates of points, and the search tree over them.
   static void MakeRecords(const zrSimpleArray<zrColumnVector<TT>>& points,
                           zrSimpleArray<TT>& records);
