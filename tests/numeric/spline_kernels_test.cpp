@@ -213,8 +213,8 @@ TEST(SplineKernels, CubicHasThePlainBuildsBits) {
   EXPECT_GT(refusals, 0);
 }
 
-// The segments view the spline's own records: copies get their own, rebuilding one spline
-// leaves the other alone, and switching between degrees rebinds every segment.
+// Copies keep their own records (rebuilding one spline leaves the other alone), and a
+// build over another degree replaces every coefficient.
 TEST(SplineKernels, SegmentsOfCopiesAndRebuildsStayTheirOwn) {
   const Vec x = {0, 1, 2.5, 3, 4.5, 6}, y = {1, 3, 2, 2.5, 0, 1};
   Points p = MakePoints(x, y);

@@ -86,20 +86,10 @@ zrSpline<TT>::zrSpline(const zrSimpleArray<zrColumnVector<TT>>& points) {
 template <class TT>
 zrSpline<TT>::zrSpline(const zrSpline& other)
     : zrUsingNew(other),
+      n_(other.n_),
       records_(other.records_),
       koef_(other.koef_),
       increasing_(other.increasing_) {
-  // The points and, when the records hold them, the segments view this copy's own records;
-  // anything else is copied element by element.
-  BindPoints(other.points_, records_, points_);
-  if (koef_ > 0) {
-    zrSimpleArray<zrPolynom<TT>> segments(other.segments_.Len());
-    segments_.swap(segments);
-    for (int i = 0; i < segments_.Len(); ++i) BindSegment(i, koef_);
-  } else {
-    zrSimpleArray<zrPolynom<TT>> segments(other.segments_);
-    segments_.swap(segments);
-  }
   // The tree's alignment belongs to its block, so the copy lays out its own.
   if (increasing_ && records_.Len() > 0) depth_ = MakeTree(records_, tree_);
 }
@@ -108,8 +98,7 @@ template <class TT>
 zrSpline<TT>& zrSpline<TT>::operator=(const zrSpline& other) {
   if (this == &other) return *this;
   zrSpline copy(other);  // everything that may throw happens before anything changes
-  segments_.swap(copy.segments_);
-  points_.swap(copy.points_);
+  n_ = copy.n_;
   records_.swap(copy.records_);
   tree_.swap(copy.tree_);
   koef_ = copy.koef_;
@@ -129,16 +118,12 @@ void zrSpline<TT>::Set(const zrSimpleArray<zrColumnVector<TT>>& points) {
     if (points[i].Len() < 2) throw BadParameters("Spline: point must have 2 coordinates");
   zrSimpleArray<TT> records, tree;
   MakeRecords(points, records);
-  zrSimpleArray<zrColumnVector<TT>> copy;
-  BindPoints(points, records, copy);
-  zrSimpleArray<zrPolynom<TT>> segments(n - 1);
   int increasing = 1;
   const TT* const r = records.GetPointer();
   for (std::int64_t i = 1; i < n; ++i)
     if (!(r[i * kRecord] >= r[(i - 1) * kRecord])) increasing = 0;
   const int depth = increasing ? MakeTree(records, tree) : 0;
-  points_.swap(copy);
-  segments_.swap(segments);
+  n_ = n;
   records_.swap(records);
   tree_.swap(tree);
   koef_ = 0;
@@ -157,31 +142,6 @@ void zrSpline<TT>::MakeRecords(const zrSimpleArray<zrColumnVector<TT>>& points,
     r[1] = points[i][1];
     for (int j = 2; j < kRecord; ++j) r[j] = TT{};
   }
-}
-
-template <class TT>
-void zrSpline<TT>::BindPoints(const zrSimpleArray<zrColumnVector<TT>>& points,
-                              const zrSimpleArray<TT>& records,
-                              zrSimpleArray<zrColumnVector<TT>>& out) {
-  const int n = points.Len();
-  zrSimpleArray<zrColumnVector<TT>> bound(n);
-  TT* r = records.GetPointer();
-  for (int i = 0; i < n; ++i, r += kRecord) {
-    if (points[i].Len() == 2) {
-      bound[i].SetDirectly(r, 2, 1, records);
-    } else {
-      bound[i] = points[i];
-    }
-  }
-  out.swap(bound);
-}
-
-template <class TT>
-void zrSpline<TT>::BindSegment(int i, int koef) {
-  TT* const r = records_.GetPointer() + static_cast<std::int64_t>(i) * kRecord;
-  zrPolynom<TT>& p = segments_[i];
-  p.SetDirectly(r + 2, koef, 1, records_);
-  p.SetKoef(p, r[0], zrPolynom<TT>::PowerKoef);  // form and centre; the values stay
 }
 
 template <class TT>
@@ -232,13 +192,12 @@ template <class TT>
 void zrSpline<TT>::SetSegment(int i, const zrColumnVector<TT>& k) {
   TT* const r = records_.GetPointer() + static_cast<std::int64_t>(i) * kRecord;
   for (int j = 0; j < k.Len(); ++j) r[2 + j] = k[j];
-  BindSegment(i, k.Len());
 }
 
 template <class TT>
 void zrSpline<TT>::BuildSegments3(const TT* moments, int periodic) {
-  const int n = points_.Len();
-  koef_ = 0;  // the records hold the segments again once every one is bound
+  const int n = n_;
+  koef_ = 0;
   for (int i = 0; i < n - 1; ++i) {
     TT* const r = records_.GetPointer() + static_cast<std::int64_t>(i) * kRecord;
     const int wrap = periodic != 0 && i == n - 2;
@@ -250,14 +209,13 @@ void zrSpline<TT>::BuildSegments3(const TT* moments, int periodic) {
     r[3] = 0.5 * m0;
     r[4] = (y1 - r[1]) / h - (m1 / 6 + m0 / 3) * h;
     r[5] = r[1];
-    BindSegment(i, 4);
   }
   koef_ = 4;
 }
 
 template <class TT>
 void zrSpline<TT>::MkSpline3(const zrSimpleArray<int>& codes, const zrMatrix<TT>& values) {
-  const int n = points_.Len();
+  const int n = n_;
   if (n < 3) throw BadParameters("Spline: number of point must be >= 3");
   if (CountConditions(codes, values) != 2)
     throw BadParameters("Invalid number of bound condition.");
@@ -321,8 +279,6 @@ void zrSpline<TT>::MkSpline3(const zrSimpleArray<int>& codes, const zrMatrix<TT>
   TT m1 = (dN - downN * last[3]) / (downN * last[2] + diagN);
   // Each segment is written as soon as its two moments are known, and Check()'s tests run
   // on it there: the divisions of the coefficients fill the wait of the back substitution.
-  // Over an earlier cubic the segments view these places already.
-  const bool bound = koef_ == 4;
   koef_ = 0;
   bool ok = true;
   for (int i = n - 2; i >= 0; --i) {
@@ -333,7 +289,6 @@ void zrSpline<TT>::MkSpline3(const zrSimpleArray<int>& codes, const zrMatrix<TT>
     rec[3] = 0.5 * m0;
     rec[4] = (rec[kRecord + 1] - rec[1]) / h - (m1 / 6 + m0 / 3) * h;
     rec[5] = rec[1];
-    if (!bound) BindSegment(i, 4);
     ok = ok && zr::detail::CubicEndsClose<TT, kRecord>(rec) &&
          (i == n - 2 || zr::detail::CubicJointClose(rec, rec + kRecord));
     m1 = m0;
@@ -344,7 +299,7 @@ void zrSpline<TT>::MkSpline3(const zrSimpleArray<int>& codes, const zrMatrix<TT>
 
 template <class TT>
 void zrSpline<TT>::MkPeriodSpline3() {
-  const int n = points_.Len();
+  const int n = n_;
   if (n < 3) throw BadParameters("Spline: number of point must be >= 3");
   const int m = n - 1;  // unknowns M_0 ... M_(n-2); M_(n-1) is M_0
 
@@ -397,7 +352,7 @@ void zrSpline<TT>::Make(int degree, const zrSimpleArray<int>& codes, const zrMat
     return;
   }
   if (degree != 1) throw BadParameters("zrSpline: wrong degree.");
-  const int n = points_.Len();
+  const int n = n_;
   if (n < 3) throw BadParameters("Spline: number of point must be >= 3");
   if (CountConditions(codes, values) != 0)
     throw BadParameters("Invalid number of bound condition.");
@@ -414,7 +369,7 @@ void zrSpline<TT>::Make(int degree, const zrSimpleArray<int>& codes, const zrMat
 
 template <class TT>
 int zrSpline<TT>::Search(const TT& x) const {
-  const int n = points_.Len();
+  const int n = n_;
   if (increasing_) {
     // The first i >= 1 with x_i > x, less one, is the number of keys x_1 ... x_(n-2) that
     // are <= x (n - 2 at most). Descending the complete tree, right when the key is <= x,
@@ -439,7 +394,7 @@ int zrSpline<TT>::Search(const TT& x) const {
 
 template <class TT>
 int zrSpline<TT>::GetSegmentNum(const TT& x) const {
-  const int n = points_.Len();
+  const int n = n_;
   const TT* const r = records_.GetPointer();
   if (n <= 1 || !(r[0] <= x && x <= r[static_cast<std::int64_t>(n - 1) * kRecord]))
     throw BadParameters(zr::detail::kOutOfRange);
@@ -448,7 +403,7 @@ int zrSpline<TT>::GetSegmentNum(const TT& x) const {
 
 template <class TT>
 int zrSpline<TT>::GetSegmentNum(const TT& x, int& hint) const {
-  const int n = points_.Len();
+  const int n = n_;
   const TT* const r = records_.GetPointer();
   if (n <= 1 || !(r[0] <= x && x <= r[static_cast<std::int64_t>(n - 1) * kRecord]))
     throw BadParameters(zr::detail::kOutOfRange);
@@ -486,13 +441,21 @@ TT zrSpline<TT>::EvalSegment(int seg, const TT& x) const {
   if (koef_ > 0)
     return zr::detail::RecordValue(records_.GetPointer() + static_cast<std::int64_t>(seg) * kRecord,
                                    koef_, x);
-  return segments_[seg](x);
+  return TT{};  // an unbuilt segment has no coefficients
 }
 
 template <class TT>
-const zrPolynom<TT>& zrSpline<TT>::Segment(int seg) const {
-  if (seg < 0 || seg >= points_.Len() - 1) throw BadParameters(zr::detail::kOutOfRange);
-  return segments_[seg];
+void zrSpline<TT>::CheckSegment(int seg) const {
+  if (seg < 0 || seg >= n_ - 1) throw BadParameters(zr::detail::kOutOfRange);
+}
+
+template <class TT>
+TT zrSpline<TT>::DeriveSegment(int seg, const TT& x, int m) const {
+  if (m < 0) throw BadParameters("zrPolynom : wrong derivative order");
+  if (koef_ > 0)
+    return zr::detail::RecordDerivative(
+        records_.GetPointer() + static_cast<std::int64_t>(seg) * kRecord, koef_, x, m);
+  return TT{};
 }
 
 template <class TT>
@@ -507,30 +470,31 @@ TT zrSpline<TT>::Value(const TT& x, int& hint) const {
 
 template <class TT>
 TT zrSpline<TT>::operator()(const TT& x, int seg) const {
-  Segment(seg);  // the range check
+  CheckSegment(seg);
   return EvalSegment(seg, x);
 }
 
 template <class TT>
 TT zrSpline<TT>::Derivative(const TT& x, int m) const {
-  return segments_[GetSegmentNum(x)].Derivative(x, m);
+  return DeriveSegment(GetSegmentNum(x), x, m);
 }
 
 template <class TT>
 TT zrSpline<TT>::Derivative(const TT& x, int m, int seg) const {
-  return Segment(seg).Derivative(x, m);
+  CheckSegment(seg);
+  return DeriveSegment(seg, x, m);
 }
 
 template <class TT>
 TT zrSpline<TT>::Derivative(int m, int i) const {
-  const int n = points_.Len();
+  const int n = n_;
   if (i < 0 || i >= n) throw BadParameters(zr::detail::kOutOfRange);
-  return Segment(i < n - 1 ? i : n - 2).Derivative(X(i), m);
+  return DeriveSegment(i < n - 1 ? i : n - 2, X(i), m);
 }
 
 template <class TT>
 int zrSpline<TT>::Check() const {
-  const int segs = segments_.Len();
+  const int segs = n_ > 0 ? n_ - 1 : 0;
   if (koef_ > 0) {
     // The same values from the records, which hold exactly the polynomials' data.
     const TT* const r = records_.GetPointer();
@@ -555,16 +519,9 @@ int zrSpline<TT>::Check() const {
     }
     return 1;
   }
-  for (int i = 0; i < segs; ++i) {
-    const zrPolynom<TT>& p = segments_[i];
-    if (!zr::detail::Close(p(X(i)), Y(i)) || !zr::detail::Close(p(X(i + 1)), Y(i + 1))) return 0;
-  }
-  for (int i = 1; i < segs; ++i) {
-    const zrPolynom<TT>& left = segments_[i - 1];
-    const zrPolynom<TT>& right = segments_[i];
-    for (int j = 1; j <= left.Len() - 2; ++j)
-      if (!zr::detail::Close(left.Derivative(X(i), j), right.Derivative(X(i), j))) return 0;
-  }
+  // Unbuilt segments have no coefficients: the value 0 and no derivative to compare.
+  for (int i = 0; i < segs; ++i)
+    if (!zr::detail::Close(TT{}, Y(i)) || !zr::detail::Close(TT{}, Y(i + 1))) return 0;
   return 1;
 }
 
