@@ -114,14 +114,8 @@ template <class TT>
 void zrSpline<TT>::Set(const zrSimpleArray<zrColumnVector<TT>>& points) {
   const int n = points.Len();
   if (n < 3) throw BadParameters("Spline: number of point must be >= 3");
-  for (int i = 0; i < n; ++i)
-    if (points[i].Len() < 2) throw BadParameters("Spline: point must have 2 coordinates");
   zrSimpleArray<TT> records, tree;
-  MakeRecords(points, records);
-  int increasing = 1;
-  const TT* const r = records.GetPointer();
-  for (std::int64_t i = 1; i < n; ++i)
-    if (!(r[i * kRecord] >= r[(i - 1) * kRecord])) increasing = 0;
+  const int increasing = MakeRecords(points, records);
   const int depth = increasing ? MakeTree(records, tree) : 0;
   n_ = n;
   records_.swap(records);
@@ -132,16 +126,21 @@ void zrSpline<TT>::Set(const zrSimpleArray<zrColumnVector<TT>>& points) {
 }
 
 template <class TT>
-void zrSpline<TT>::MakeRecords(const zrSimpleArray<zrColumnVector<TT>>& points,
-                               zrSimpleArray<TT>& records) {
+int zrSpline<TT>::MakeRecords(const zrSimpleArray<zrColumnVector<TT>>& points,
+                              zrSimpleArray<TT>& records) {
   const int n = points.Len();
   records.Set(n * kRecord);
   TT* r = records.GetPointer();
+  int increasing = 1;
   for (int i = 0; i < n; ++i, r += kRecord) {
-    r[0] = points[i][0];
-    r[1] = points[i][1];
+    const zrColumnVector<TT>& p = points[i];
+    if (p.Len() < 2) throw BadParameters("Spline: point must have 2 coordinates");
+    r[0] = p[0];
+    r[1] = p[1];
     for (int j = 2; j < kRecord; ++j) r[j] = TT{};
+    if (i > 0 && !(r[0] >= r[-kRecord])) increasing = 0;
   }
+  return increasing;
 }
 
 template <class TT>
@@ -153,14 +152,18 @@ int zrSpline<TT>::MakeTree(const zrSimpleArray<TT>& records, zrSimpleArray<TT>& 
   const int size = static_cast<int>((1LL << depth) - 1);
   tree.Set(size + 1 + 64 / static_cast<int>(sizeof(TT)));
   TT* const nodes = zr::detail::AlignedNodes(tree.GetPointer());
-  const TT* const r = records.GetPointer();
-  // Node k on level l (k = 2^l + j) holds key (2j + 1) * 2^(depth-1-l) - 1 in sorted order.
-  for (int l = 0; l < depth; ++l) {
-    const int first = 1 << l;
-    const int span = 1 << (depth - 1 - l);
-    for (int j = 0; j < first; ++j) {
-      const int key = (2 * j + 1) * span - 1;
-      nodes[first + j] = key < m ? r[(key + 1) * kRecord] : std::numeric_limits<TT>::infinity();
+  // The keys in sorted order are the nodes in order of an in-order walk: the one at
+  // position p = 1 ... size, with t trailing zero bits, is node p >> (t + 1) of level
+  // depth - 1 - t. Taking them in that order reads the records once, front to back.
+  const TT* r = records.GetPointer() + kRecord;
+  for (int p = 1; p <= size; ++p) {
+    const int t = __builtin_ctz(static_cast<unsigned>(p));
+    const int node = (1 << (depth - 1 - t)) + (p >> (t + 1));
+    if (p <= m) {
+      nodes[node] = *r;
+      r += kRecord;
+    } else {
+      nodes[node] = std::numeric_limits<TT>::infinity();
     }
   }
   return depth;

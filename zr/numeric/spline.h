@@ -135,8 +135,10 @@ class ZR_API zrSpline : public zrUsingNew {
   void BuildSegments3(const TT* moments, int periodic);
   // Segment i's coefficients into its record.
   void SetSegment(int i, const zrColumnVector<TT>& k);
-  static void MakeRecords(const zrSimpleArray<zrColumnVector<TT>>& points,
-                          zrSimpleArray<TT>& records);
+  // Checked (two elements a point at least); returns whether the abscissas do not
+  // decrease.
+  static int MakeRecords(const zrSimpleArray<zrColumnVector<TT>>& points,
+                         zrSimpleArray<TT>& records);
   static int MakeTree(const zrSimpleArray<TT>& records, zrSimpleArray<TT>& tree);
   // The search for non-decreasing abscissas and for any, x within the nodes.
   int Search(const TT& x) const;
