@@ -213,4 +213,47 @@ TEST(SplineKernels, CubicHasThePlainBuildsBits) {
   EXPECT_GT(refusals, 0);
 }
 
+// Copies keep their own records (rebuilding one spline leaves the other alone), and a
+// build over another degree replaces every coefficient.
+TEST(SplineKernels, SegmentsOfCopiesAndRebuildsStayTheirOwn) {
+  const Vec x = {0, 1, 2.5, 3, 4.5, 6}, y = {1, 3, 2, 2.5, 0, 1};
+  Points p = MakePoints(x, y);
+  p[2].Set(3), p[2][0] = x[2], p[2][1] = y[2], p[2][2] = 99;  // a third element is ignored
+  zrSimpleArray<int> natural(2);
+  natural[0] = 0, natural[1] = 3;
+  zrMatrix<double> zero(2, 2), v(2, 2);
+  zero.Fill(0.0), v.Fill(0.5);
+  S s(p);
+  p[1][1] = 100;  // the spline took its own copy of the points
+  s.MkSpline3(natural, zero);
+  const Reference r = PlainCubic(x, y, 0, 3, zero);
+  const S copy(s);
+  S assigned;
+  assigned = s;
+  s.Make(1, zrSimpleArray<int>(), zrMatrix<double>());
+  EXPECT_EQ(2.0, s(0.5));
+  s.MkSpline3(natural, v);  // over a broken line, then a clamped build over a cubic
+  zrSimpleArray<int> clamped(2);
+  clamped[0] = 3, clamped[1] = 0;
+  S other(copy);
+  other.MkSpline3(clamped, v);
+  const Reference rv = PlainCubic(x, y, 0, 3, v);
+  const Reference rc = PlainCubic(x, y, 3, 0, v);
+  for (int i = 0; i + 1 < static_cast<int>(x.size()); ++i) {
+    for (const double at : {x[i], 0.5 * (x[i] + x[i + 1])}) {
+      for (int m = 0; m <= 3; ++m) {
+        const double want = r.segs[i].Derivative(at, m);
+        ASSERT_TRUE(SameBits(want, copy.Derivative(at, m, i))) << i << ' ' << m;
+        ASSERT_TRUE(SameBits(want, assigned.Derivative(at, m, i))) << i << ' ' << m;
+        ASSERT_TRUE(SameBits(rv.segs[i].Derivative(at, m), s.Derivative(at, m, i))) << i;
+        ASSERT_TRUE(SameBits(rc.segs[i].Derivative(at, m), other.Derivative(at, m, i))) << i;
+      }
+      ASSERT_TRUE(SameBits(r.segs[i](at), copy(at)));
+    }
+    EXPECT_TRUE(SameBits(r.segs[i].Derivative(x[i], 1), copy.Derivative(1, i)));
+  }
+  EXPECT_EQ(1, copy.Check());
+  EXPECT_EQ(1, other.Check());
+}
+
 }  // namespace

@@ -86,8 +86,7 @@ zrSpline<TT>::zrSpline(const zrSimpleArray<zrColumnVector<TT>>& points) {
 template <class TT>
 zrSpline<TT>::zrSpline(const zrSpline& other)
     : zrUsingNew(other),
-      segments_(other.segments_),
-      points_(other.points_),
+      n_(other.n_),
       records_(other.records_),
       koef_(other.koef_),
       increasing_(other.increasing_) {
@@ -99,8 +98,7 @@ template <class TT>
 zrSpline<TT>& zrSpline<TT>::operator=(const zrSpline& other) {
   if (this == &other) return *this;
   zrSpline copy(other);  // everything that may throw happens before anything changes
-  segments_.swap(copy.segments_);
-  points_.swap(copy.points_);
+  n_ = copy.n_;
   records_.swap(copy.records_);
   tree_.swap(copy.tree_);
   koef_ = copy.koef_;
@@ -116,18 +114,10 @@ template <class TT>
 void zrSpline<TT>::Set(const zrSimpleArray<zrColumnVector<TT>>& points) {
   const int n = points.Len();
   if (n < 3) throw BadParameters("Spline: number of point must be >= 3");
-  for (int i = 0; i < n; ++i)
-    if (points[i].Len() < 2) throw BadParameters("Spline: point must have 2 coordinates");
-  zrSimpleArray<zrColumnVector<TT>> copy(points);
-  zrSimpleArray<zrPolynom<TT>> segments(n - 1);
-  int increasing = 1;
-  for (int i = 1; i < n; ++i)
-    if (!(copy[i][0] >= copy[i - 1][0])) increasing = 0;
   zrSimpleArray<TT> records, tree;
-  MakeRecords(copy, records);
+  const int increasing = MakeRecords(points, records);
   const int depth = increasing ? MakeTree(records, tree) : 0;
-  points_.swap(copy);
-  segments_.swap(segments);
+  n_ = n;
   records_.swap(records);
   tree_.swap(tree);
   koef_ = 0;
@@ -136,16 +126,21 @@ void zrSpline<TT>::Set(const zrSimpleArray<zrColumnVector<TT>>& points) {
 }
 
 template <class TT>
-void zrSpline<TT>::MakeRecords(const zrSimpleArray<zrColumnVector<TT>>& points,
-                               zrSimpleArray<TT>& records) {
+int zrSpline<TT>::MakeRecords(const zrSimpleArray<zrColumnVector<TT>>& points,
+                              zrSimpleArray<TT>& records) {
   const int n = points.Len();
   records.Set(n * kRecord);
   TT* r = records.GetPointer();
+  int increasing = 1;
   for (int i = 0; i < n; ++i, r += kRecord) {
-    r[0] = points[i][0];
-    r[1] = points[i][1];
+    const zrColumnVector<TT>& p = points[i];
+    if (p.Len() < 2) throw BadParameters("Spline: point must have 2 coordinates");
+    r[0] = p[0];
+    r[1] = p[1];
     for (int j = 2; j < kRecord; ++j) r[j] = TT{};
+    if (i > 0 && !(r[0] >= r[-kRecord])) increasing = 0;
   }
+  return increasing;
 }
 
 template <class TT>
@@ -157,14 +152,18 @@ int zrSpline<TT>::MakeTree(const zrSimpleArray<TT>& records, zrSimpleArray<TT>& 
   const int size = static_cast<int>((1LL << depth) - 1);
   tree.Set(size + 1 + 64 / static_cast<int>(sizeof(TT)));
   TT* const nodes = zr::detail::AlignedNodes(tree.GetPointer());
-  const TT* const r = records.GetPointer();
-  // Node k on level l (k = 2^l + j) holds key (2j + 1) * 2^(depth-1-l) - 1 in sorted order.
-  for (int l = 0; l < depth; ++l) {
-    const int first = 1 << l;
-    const int span = 1 << (depth - 1 - l);
-    for (int j = 0; j < first; ++j) {
-      const int key = (2 * j + 1) * span - 1;
-      nodes[first + j] = key < m ? r[(key + 1) * kRecord] : std::numeric_limits<TT>::infinity();
+  // The keys in sorted order are the nodes in order of an in-order walk: the one at
+  // position p = 1 ... size, with t trailing zero bits, is node p >> (t + 1) of level
+  // depth - 1 - t. Taking them in that order reads the records once, front to back.
+  const TT* r = records.GetPointer() + kRecord;
+  for (int p = 1; p <= size; ++p) {
+    const int t = __builtin_ctz(static_cast<unsigned>(p));
+    const int node = (1 << (depth - 1 - t)) + (p >> (t + 1));
+    if (p <= m) {
+      nodes[node] = *r;
+      r += kRecord;
+    } else {
+      nodes[node] = std::numeric_limits<TT>::infinity();
     }
   }
   return depth;
@@ -195,43 +194,31 @@ int zrSpline<TT>::CountConditions(const zrSimpleArray<int>& codes,
 template <class TT>
 void zrSpline<TT>::SetSegment(int i, const zrColumnVector<TT>& k) {
   TT* const r = records_.GetPointer() + static_cast<std::int64_t>(i) * kRecord;
-  segments_[i].SetKoef(k, r[0], zrPolynom<TT>::PowerKoef);
   for (int j = 0; j < k.Len(); ++j) r[2 + j] = k[j];
 }
 
 template <class TT>
 void zrSpline<TT>::BuildSegments3(const TT* moments, int periodic) {
-  const int n = points_.Len();
-  const TT* const r = records_.GetPointer();
-  const auto x = [r](int i) { return r[static_cast<std::int64_t>(i) * kRecord]; };
-  const auto y = [r](int i) { return r[static_cast<std::int64_t>(i) * kRecord + 1]; };
-  // After a cubic build on these points every segment is already a PowerKoef cubic about
-  // its node, so SetKoef would only copy the values in place: they are written directly.
-  const bool cubic = koef_ == 4;
-  zrColumnVector<TT> k(4);
-  koef_ = 0;  // the records lag behind the polynomials until every segment is set
+  const int n = n_;
+  koef_ = 0;
   for (int i = 0; i < n - 1; ++i) {
+    TT* const r = records_.GetPointer() + static_cast<std::int64_t>(i) * kRecord;
     const int wrap = periodic != 0 && i == n - 2;
-    const TT h = x(i + 1) - x(i);
+    const TT h = r[kRecord] - r[0];
     const TT m0 = moments[i];
     const TT m1 = wrap ? moments[0] : moments[i + 1];
-    const TT y1 = wrap ? y(0) : y(i + 1);
-    const TT c[4] = {(m1 - m0) / (6 * h), 0.5 * m0, (y1 - y(i)) / h - (m1 / 6 + m0 / 3) * h, y(i)};
-    if (cubic) {
-      zrPolynom<TT>& p = segments_[i];
-      TT* const r = records_.GetPointer() + static_cast<std::int64_t>(i) * kRecord;
-      for (int j = 0; j < 4; ++j) p[j] = r[2 + j] = c[j];
-    } else {
-      for (int j = 0; j < 4; ++j) k[j] = c[j];
-      SetSegment(i, k);
-    }
+    const TT y1 = wrap ? records_[1] : r[kRecord + 1];
+    r[2] = (m1 - m0) / (6 * h);
+    r[3] = 0.5 * m0;
+    r[4] = (y1 - r[1]) / h - (m1 / 6 + m0 / 3) * h;
+    r[5] = r[1];
   }
   koef_ = 4;
 }
 
 template <class TT>
 void zrSpline<TT>::MkSpline3(const zrSimpleArray<int>& codes, const zrMatrix<TT>& values) {
-  const int n = points_.Len();
+  const int n = n_;
   if (n < 3) throw BadParameters("Spline: number of point must be >= 3");
   if (CountConditions(codes, values) != 2)
     throw BadParameters("Invalid number of bound condition.");
@@ -247,7 +234,6 @@ void zrSpline<TT>::MkSpline3(const zrSimpleArray<int>& codes, const zrMatrix<TT>
   const TT* const r = records_.GetPointer();
   const auto x = [r](int i) { return r[static_cast<std::int64_t>(i) * kRecord]; };
   const auto y = [r](int i) { return r[static_cast<std::int64_t>(i) * kRecord + 1]; };
-
   // The end rows start as 2*M = 0; the conditions rewrite them.
   TT diag0 = 2.0, up0 = 0, d0 = 0;
   TT diagN = 2.0, downN = 0, dN = 0;
@@ -274,48 +260,41 @@ void zrSpline<TT>::MkSpline3(const zrSimpleArray<int>& codes, const zrMatrix<TT>
     dN = values(1, 1);
   }
 
-  // alpha (n - 1) and the moments (n), which hold beta on the way down.
-  zrSimpleArray<TT> work(2 * n);
-  TT* const alpha = work.GetPointer();
-  TT* const moments = alpha + n;
-  alpha[0] = -up0 / diag0;
-  moments[0] = d0 / diag0;
+  // alpha[i] and beta[i] wait in record i's first two coefficient places, which the back
+  // substitution reads just before it writes segment i's coefficients there.
+  TT* const rec0 = records_.GetPointer();
+  rec0[2] = -up0 / diag0;
+  rec0[3] = d0 / diag0;
   TT hPrev = hFirst;
   for (int i = 1; i < n - 1; ++i) {
-    const TT h = x(i + 1) - x(i);
+    TT* const rec = rec0 + static_cast<std::int64_t>(i) * kRecord;
+    const TT h = rec[kRecord] - rec[0];
     const TT s = hPrev + h;
     const TT l = h / s;
     const TT down = 1 - l;  // Down[i-1]; Up[i] = l
-    const TT d = 6 / s * ((y(i + 1) - y(i)) / h - (y(i) - y(i - 1)) / hPrev);
-    const TT den = down * alpha[i - 1] + 2.0;
-    alpha[i] = -l / den;
-    moments[i] = (d - down * moments[i - 1]) / den;
+    const TT d = 6 / s * ((rec[kRecord + 1] - rec[1]) / h - (rec[1] - rec[1 - kRecord]) / hPrev);
+    const TT den = down * rec[2 - kRecord] + 2.0;
+    rec[2] = -l / den;
+    rec[3] = (d - down * rec[3 - kRecord]) / den;
     hPrev = h;
   }
-  moments[n - 1] = (dN - downN * moments[n - 2]) / (downN * alpha[n - 2] + diagN);
-  if (koef_ != 4) {
-    for (int i = n - 2; i >= 0; --i) moments[i] = moments[i + 1] * alpha[i] + moments[i];
-    BuildSegments3(moments, 0);
-    if (!Check()) throw BadParameters("error in spline");
-    return;
-  }
-  // Over an earlier cubic the segments are written in place (as BuildSegments3 does) as
-  // soon as their two moments are known, and Check()'s tests run on them there: the
-  // divisions of the coefficients fill the wait of the back substitution.
+  const TT* const last = rec0 + static_cast<std::int64_t>(n - 2) * kRecord;
+  TT m1 = (dN - downN * last[3]) / (downN * last[2] + diagN);
+  // Each segment is written as soon as its two moments are known, and Check()'s tests run
+  // on it there: the divisions of the coefficients fill the wait of the back substitution.
   koef_ = 0;
   bool ok = true;
   for (int i = n - 2; i >= 0; --i) {
-    moments[i] = moments[i + 1] * alpha[i] + moments[i];
-    const TT h = x(i + 1) - x(i);
-    const TT m0 = moments[i];
-    const TT m1 = moments[i + 1];
-    const TT c[4] = {(m1 - m0) / (6 * h), 0.5 * m0, (y(i + 1) - y(i)) / h - (m1 / 6 + m0 / 3) * h,
-                     y(i)};
-    zrPolynom<TT>& p = segments_[i];
-    TT* const rec = records_.GetPointer() + static_cast<std::int64_t>(i) * kRecord;
-    for (int j = 0; j < 4; ++j) p[j] = rec[2 + j] = c[j];
+    TT* const rec = rec0 + static_cast<std::int64_t>(i) * kRecord;
+    const TT m0 = m1 * rec[2] + rec[3];
+    const TT h = rec[kRecord] - rec[0];
+    rec[2] = (m1 - m0) / (6 * h);
+    rec[3] = 0.5 * m0;
+    rec[4] = (rec[kRecord + 1] - rec[1]) / h - (m1 / 6 + m0 / 3) * h;
+    rec[5] = rec[1];
     ok = ok && zr::detail::CubicEndsClose<TT, kRecord>(rec) &&
          (i == n - 2 || zr::detail::CubicJointClose(rec, rec + kRecord));
+    m1 = m0;
   }
   koef_ = 4;
   if (!ok) throw BadParameters("error in spline");
@@ -323,7 +302,7 @@ void zrSpline<TT>::MkSpline3(const zrSimpleArray<int>& codes, const zrMatrix<TT>
 
 template <class TT>
 void zrSpline<TT>::MkPeriodSpline3() {
-  const int n = points_.Len();
+  const int n = n_;
   if (n < 3) throw BadParameters("Spline: number of point must be >= 3");
   const int m = n - 1;  // unknowns M_0 ... M_(n-2); M_(n-1) is M_0
 
@@ -376,7 +355,7 @@ void zrSpline<TT>::Make(int degree, const zrSimpleArray<int>& codes, const zrMat
     return;
   }
   if (degree != 1) throw BadParameters("zrSpline: wrong degree.");
-  const int n = points_.Len();
+  const int n = n_;
   if (n < 3) throw BadParameters("Spline: number of point must be >= 3");
   if (CountConditions(codes, values) != 0)
     throw BadParameters("Invalid number of bound condition.");
@@ -393,7 +372,7 @@ void zrSpline<TT>::Make(int degree, const zrSimpleArray<int>& codes, const zrMat
 
 template <class TT>
 int zrSpline<TT>::Search(const TT& x) const {
-  const int n = points_.Len();
+  const int n = n_;
   if (increasing_) {
     // The first i >= 1 with x_i > x, less one, is the number of keys x_1 ... x_(n-2) that
     // are <= x (n - 2 at most). Descending the complete tree, right when the key is <= x,
@@ -418,7 +397,7 @@ int zrSpline<TT>::Search(const TT& x) const {
 
 template <class TT>
 int zrSpline<TT>::GetSegmentNum(const TT& x) const {
-  const int n = points_.Len();
+  const int n = n_;
   const TT* const r = records_.GetPointer();
   if (n <= 1 || !(r[0] <= x && x <= r[static_cast<std::int64_t>(n - 1) * kRecord]))
     throw BadParameters(zr::detail::kOutOfRange);
@@ -427,7 +406,7 @@ int zrSpline<TT>::GetSegmentNum(const TT& x) const {
 
 template <class TT>
 int zrSpline<TT>::GetSegmentNum(const TT& x, int& hint) const {
-  const int n = points_.Len();
+  const int n = n_;
   const TT* const r = records_.GetPointer();
   if (n <= 1 || !(r[0] <= x && x <= r[static_cast<std::int64_t>(n - 1) * kRecord]))
     throw BadParameters(zr::detail::kOutOfRange);
@@ -465,13 +444,21 @@ TT zrSpline<TT>::EvalSegment(int seg, const TT& x) const {
   if (koef_ > 0)
     return zr::detail::RecordValue(records_.GetPointer() + static_cast<std::int64_t>(seg) * kRecord,
                                    koef_, x);
-  return segments_[seg](x);
+  return TT{};  // an unbuilt segment has no coefficients
 }
 
 template <class TT>
-const zrPolynom<TT>& zrSpline<TT>::Segment(int seg) const {
-  if (seg < 0 || seg >= points_.Len() - 1) throw BadParameters(zr::detail::kOutOfRange);
-  return segments_[seg];
+void zrSpline<TT>::CheckSegment(int seg) const {
+  if (seg < 0 || seg >= n_ - 1) throw BadParameters(zr::detail::kOutOfRange);
+}
+
+template <class TT>
+TT zrSpline<TT>::DeriveSegment(int seg, const TT& x, int m) const {
+  if (m < 0) throw BadParameters("zrPolynom : wrong derivative order");
+  if (koef_ > 0)
+    return zr::detail::RecordDerivative(
+        records_.GetPointer() + static_cast<std::int64_t>(seg) * kRecord, koef_, x, m);
+  return TT{};
 }
 
 template <class TT>
@@ -486,30 +473,31 @@ TT zrSpline<TT>::Value(const TT& x, int& hint) const {
 
 template <class TT>
 TT zrSpline<TT>::operator()(const TT& x, int seg) const {
-  Segment(seg);  // the range check
+  CheckSegment(seg);
   return EvalSegment(seg, x);
 }
 
 template <class TT>
 TT zrSpline<TT>::Derivative(const TT& x, int m) const {
-  return segments_[GetSegmentNum(x)].Derivative(x, m);
+  return DeriveSegment(GetSegmentNum(x), x, m);
 }
 
 template <class TT>
 TT zrSpline<TT>::Derivative(const TT& x, int m, int seg) const {
-  return Segment(seg).Derivative(x, m);
+  CheckSegment(seg);
+  return DeriveSegment(seg, x, m);
 }
 
 template <class TT>
 TT zrSpline<TT>::Derivative(int m, int i) const {
-  const int n = points_.Len();
+  const int n = n_;
   if (i < 0 || i >= n) throw BadParameters(zr::detail::kOutOfRange);
-  return Segment(i < n - 1 ? i : n - 2).Derivative(X(i), m);
+  return DeriveSegment(i < n - 1 ? i : n - 2, X(i), m);
 }
 
 template <class TT>
 int zrSpline<TT>::Check() const {
-  const int segs = segments_.Len();
+  const int segs = n_ > 0 ? n_ - 1 : 0;
   if (koef_ > 0) {
     // The same values from the records, which hold exactly the polynomials' data.
     const TT* const r = records_.GetPointer();
@@ -534,16 +522,9 @@ int zrSpline<TT>::Check() const {
     }
     return 1;
   }
-  for (int i = 0; i < segs; ++i) {
-    const zrPolynom<TT>& p = segments_[i];
-    if (!zr::detail::Close(p(X(i)), Y(i)) || !zr::detail::Close(p(X(i + 1)), Y(i + 1))) return 0;
-  }
-  for (int i = 1; i < segs; ++i) {
-    const zrPolynom<TT>& left = segments_[i - 1];
-    const zrPolynom<TT>& right = segments_[i];
-    for (int j = 1; j <= left.Len() - 2; ++j)
-      if (!zr::detail::Close(left.Derivative(X(i), j), right.Derivative(X(i), j))) return 0;
-  }
+  // Unbuilt segments have no coefficients: the value 0 and no derivative to compare.
+  for (int i = 0; i < segs; ++i)
+    if (!zr::detail::Close(TT{}, Y(i)) || !zr::detail::Close(TT{}, Y(i + 1))) return 0;
   return 1;
 }
 

@@ -2,14 +2,17 @@
 /// zrSpline<TT>: a piecewise-polynomial interpolating function y(x) through n points.
 /// Only zrSpline<double> exists.
 ///
-/// The spline owns two arrays, both private to it:
-///   segments  n - 1 zrPolynom<TT>; segment i covers [x_i, x_(i+1)] and is centred at x_i;
-///   points    n zrColumnVector<TT>; element 0 of point i is x_i, element 1 is y_i.
-/// Beside them it keeps the same numbers in flat form for evaluation (the abscissas,
-/// ordinates and built coefficients side by side, and the search tree), some 60 bytes a
-/// point; values computed from them are exactly the polynomials' values.
-/// Constructing from points, Set, the copy constructor and operator= copy values (the
-/// arrays' element-wise copies), so nothing the caller holds is shared with the spline.
+/// The spline holds its n points and n - 1 segments, all private to it: point i is
+/// (x_i, y_i), and segment i covers [x_i, x_(i+1)] and is the PowerKoef polynomial about
+/// x_i of its coefficients (none before a builder has run: the value 0 there). They are
+/// kept in one flat block of records, the abscissa, the ordinate and the segment's
+/// coefficients side by side (48 bytes a point), next to the search tree; no zrPolynom or
+/// zrColumnVector object is made for them. Values and derivatives are computed from the
+/// records in zrPolynom's operations and order, so they are exactly the bits the
+/// segments' polynomials give (elements of a point beyond the second are not kept).
+/// Constructing from points, Set, the copy constructor and operator= copy values into the
+/// spline's own block, so nothing the caller holds is shared with the spline, and no two
+/// splines share one.
 /// The abscissas must not decrease; that is not rejected, but the builders then fail
 /// their check and the segment lookup falls back to the plain scan (below).
 ///
@@ -100,7 +103,7 @@ class ZR_API zrSpline : public zrUsingNew {
   void MkPeriodSpline3();
   void Make(int degree, const zrSimpleArray<int>& codes, const zrMatrix<TT>& values);
 
-  int GetNumberOfPoint() const { return points_.Len(); }
+  int GetNumberOfPoint() const { return n_; }
   int GetSegmentNum(const TT& x) const;
   /// GetSegmentNum(x) that starts from segment hint and searches forward from it when
   /// x_hint <= x (any other hint, one out of range included, is ignored), leaving the
@@ -120,31 +123,34 @@ class ZR_API zrSpline : public zrUsingNew {
   int Check() const;
 
  private:
-  TT X(int i) const { return points_[i][0]; }
-  TT Y(int i) const { return points_[i][1]; }
-  const zrPolynom<TT>& Segment(int seg) const;
+  TT X(int i) const { return records_.GetPointer()[static_cast<std::int64_t>(i) * kRecord]; }
+  TT Y(int i) const { return records_.GetPointer()[static_cast<std::int64_t>(i) * kRecord + 1]; }
+  // "zrSpline: Out of range." unless 0 <= seg < n - 1.
+  void CheckSegment(int seg) const;
+  // The m-th derivative of segment seg at x, as its polynomial gives it.
+  TT DeriveSegment(int seg, const TT& x, int m) const;
   // The end-condition count of codes and the values they use, checked; throws before
   // anything is built.
   int CountConditions(const zrSimpleArray<int>& codes, const zrMatrix<TT>& values) const;
   void BuildSegments3(const TT* moments, int periodic);
-  // Segment i's coefficients (count koef) into its polynomial and its record.
+  // Segment i's coefficients into its record.
   void SetSegment(int i, const zrColumnVector<TT>& k);
-  // The records' abscissas and ordinates of points, and the search tree over them.
-  static void MakeRecords(const zrSimpleArray<zrColumnVector<TT>>& points,
-                          zrSimpleArray<TT>& records);
+  // Checked (two elements a point at least); returns whether the abscissas do not
+  // decrease.
+  static int MakeRecords(const zrSimpleArray<zrColumnVector<TT>>& points,
+                         zrSimpleArray<TT>& records);
   static int MakeTree(const zrSimpleArray<TT>& records, zrSimpleArray<TT>& tree);
   // The search for non-decreasing abscissas and for any, x within the nodes.
   int Search(const TT& x) const;
-  // Segment seg at x as its polynomial evaluates it, from the record when it is current.
+  // Segment seg at x as its polynomial evaluates it.
   TT EvalSegment(int seg, const TT& x) const;
 
-  zrSimpleArray<zrPolynom<TT>> segments_;     // n - 1, segment i about x_i
-  zrSimpleArray<zrColumnVector<TT>> points_;  // n points (x, y), private copies
+  int n_ = 0;  // the number of points
 
-  // The same data laid out for evaluation: record i = (x_i, y_i, c0, c1, c2, c3) of
-  // segment i (the coefficients of the last record unused); koef_ is the coefficient
-  // count of every segment when the records hold the segments (2 or 4), else 0 and the
-  // polynomials are used.
+  // The points and the segments: record i = (x_i, y_i, c0, c1, c2, c3) of segment i (the
+  // coefficients of the last record unused); koef_ is the coefficient count of every
+  // segment once a builder has run (2 or 4), 0 while the segments are unbuilt (they have
+  // no coefficients then).
   static constexpr int kRecord = 6;
   zrSimpleArray<TT> records_;
   int koef_ = 0;
