@@ -73,6 +73,26 @@ using zr_test::BadParametersText;
 
 const double kPi = std::acos(-1.0);
 
+TEST(Curve2D, SplineTakesTheVertices) {
+  zrCurve2D c(3);
+  c[0] = zrVec2(0, 0);
+  c[1] = zrVec2(1, 1);
+  c[2] = zrVec2(2, 0);
+  zrSpline<double> s;
+  s.Set(c);
+  EXPECT_EQ(s.GetNumberOfPoint(), 3);
+  zrSimpleArray<int> codes(2);
+  codes[0] = 0;
+  codes[1] = 3;
+  zrMatrix<double> values(2, 2);
+  values.Fill(0);
+  s.MkSpline3(codes, values);
+  EXPECT_EQ(s(0.5), 0.6875);  // the natural spline through these three points
+  EXPECT_EQ(BadParametersText([&] { s.Set(zrCurve2D(2)); }),
+            "Invalid parameters : Spline: number of point must be >= 3");
+  EXPECT_EQ(s(1.0), 1.0);  // a refused curve leaves the spline as it was
+}
+
 TEST(SplineCurve2D, Construction) {
   zrCurve2D three = MakeCurve({{0, 0}, {1, 1}, {2, 0}});
   EXPECT_EQ(BadParametersText([&] { zrSplineCurve2D s(three); }),

@@ -2,6 +2,8 @@
 
 #include <cmath>
 
+#include "zr/numeric/spline.h"
+
 ZR_DEFINE_TYPE_IDENTITY(zrCurve2D)
 
 zrCurve2D::~zrCurve2D() = default;
@@ -73,4 +75,18 @@ int zrCurve2D::GetIndexOfMaxDistance(int& index, const zrCurve2D& other) const {
     }
   }
   return bestJ;
+}
+
+// The spline lies below the curves, so its constructor from a curve lives here.
+template <>
+void zrSpline<double>::Set(const zrCurve2D& curve) {
+  if (curve.Len() < 3) throw BadParameters("Spline: number of point must be >= 3");
+  zrSimpleArray<zrColumnVector<double>> points(curve.Len());
+  for (int i = 0; i < curve.Len(); ++i) {
+    zrColumnVector<double> p(2);
+    p[0] = curve[i].X();
+    p[1] = curve[i].Y();
+    points[i] = p;
+  }
+  Set(points);
 }

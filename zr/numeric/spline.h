@@ -83,6 +83,8 @@
 #include "zr/linalg/linalg.h"
 #include "zr/numeric/polynom.h"
 
+class zrCurve2D;
+
 template <class TT>
 class ZR_API zrSpline : public zrUsingNew {
   ZR_TYPE_IDENTITY
@@ -98,6 +100,9 @@ class ZR_API zrSpline : public zrUsingNew {
   /// As the constructor from points, replacing everything (nothing changes when it
   /// throws).
   void Set(const zrSimpleArray<zrColumnVector<TT>>& points);
+  /// As Set(points) with the curve's vertices as the points (x, y). Defined with the
+  /// curves (zr/curves/curve.cpp), which sit above this subsystem.
+  void Set(const zrCurve2D& curve);
 
   void MkSpline3(const zrSimpleArray<int>& codes, const zrMatrix<TT>& values);
   void MkPeriodSpline3();
@@ -163,4 +168,6 @@ class ZR_API zrSpline : public zrUsingNew {
   int increasing_ = 1;  // abscissas do not decrease
 };
 
+template <>
+ZR_API void zrSpline<double>::Set(const zrCurve2D& curve);
 ZR_EXTERN_TEMPLATE(class, zrSpline<double>);
