@@ -67,8 +67,9 @@ std::vector<std::ptrdiff_t> Offsets(const zrArrayND<T>& a, const T* block) {
 
 double Dest(int k) { return 1.0 + k / 7.0; }
 double Source(int k) { return 3.0 - k / 3.0; }
-int DestInt(int k) { return 1000 + 3 * k; }
-int SourceInt(int k) { return 7 * k - 5; }
+// Integer values repeat every 1000 elements, so that products of the large cases fit.
+int DestInt(int k) { return 1000 + 3 * (k % 1000); }
+int SourceInt(int k) { return 7 * (k % 1000) - 5; }
 
 // The operations under test: the array's own and the plain element form.
 template <class T>
