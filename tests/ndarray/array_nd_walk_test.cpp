@@ -67,8 +67,9 @@ std::vector<std::ptrdiff_t> Offsets(const zrArrayND<T>& a, const T* block) {
 
 double Dest(int k) { return 1.0 + k / 7.0; }
 double Source(int k) { return 3.0 - k / 3.0; }
-int DestInt(int k) { return 1000 + 3 * k; }
-int SourceInt(int k) { return 7 * k - 5; }
+// Integer values repeat every 1000 elements, so that products of the large cases fit.
+int DestInt(int k) { return 1000 + 3 * (k % 1000); }
+int SourceInt(int k) { return 7 * (k % 1000) - 5; }
 
 // The operations under test: the array's own and the plain element form.
 template <class T>
@@ -145,6 +146,13 @@ std::vector<Case> Cases() {
     out.push_back({{n, 3, n}, {"s02"}, {}});
     out.push_back({{n, 3, n}, {}, {"f0"}});
     out.push_back({{n, 3, n}, {"f2"}, {"s02", "f1"}});
+    out.push_back({{n, n, 2}, {"w"}, {"s01", "w"}});
+  }
+  // Planes longer than the prefetch distance of 32 lines, with short blocks at either end
+  // (a window moves the 64-byte boundaries); 185 x 185 goes in block rows of 32 lines.
+  for (int n : {41, 57, 185}) {
+    out.push_back({{n, n}, {}, {"s01"}});
+    out.push_back({{n, 2, n}, {}, {"s02"}});
     out.push_back({{n, n, 2}, {"w"}, {"s01", "w"}});
   }
   out.push_back({{130, 3}, {}, {"f0"}});
