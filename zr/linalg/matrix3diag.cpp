@@ -50,15 +50,17 @@ void Sweep(int n, R up, R diag, R down, R b, R x, double* alpha, R beta) {
     x[0] = b[0] / diag[0];
     return;
   }
-  alpha[0] = -up[0] / diag[0];
-  beta[0] = b[0] / diag[0];
+  // The previous alpha, beta and x ride in registers: reloading them from memory would put
+  // a store-to-load round trip on the recurrence's critical path.
+  double al = alpha[0] = -up[0] / diag[0];
+  double be = beta[0] = b[0] / diag[0];
   for (int i = 1; i <= n - 2; ++i) {
-    const double d = down[i - 1] * alpha[i - 1] + diag[i];
-    alpha[i] = -up[i] / d;
-    beta[i] = (b[i] - down[i - 1] * beta[i - 1]) / d;
+    const double d = down[i - 1] * al + diag[i];
+    al = alpha[i] = -up[i] / d;
+    be = beta[i] = (b[i] - down[i - 1] * be) / d;
   }
-  x[n - 1] = (b[n - 1] - down[n - 2] * beta[n - 2]) / (down[n - 2] * alpha[n - 2] + diag[n - 1]);
-  for (int i = n - 2; i >= 0; --i) x[i] = x[i + 1] * alpha[i] + beta[i];
+  double xi = x[n - 1] = (b[n - 1] - down[n - 2] * be) / (down[n - 2] * al + diag[n - 1]);
+  for (int i = n - 2; i >= 0; --i) xi = x[i] = xi * alpha[i] + beta[i];
 }
 
 // Element i of a run of doubles with unit step.
@@ -81,13 +83,13 @@ void Sweep(int n, const Bands& a, Run b, Run x, double* alpha, Run beta) {
 // and den[i], the denominator of row i (den[0] = Diag[0]), exactly as Sweep forms them.
 void Factor(int n, const Bands& a, double* alpha, double* den) {
   den[0] = a.diag[0];
-  alpha[0] = -a.up[0] / a.diag[0];
+  double al = alpha[0] = -a.up[0] / a.diag[0];
   for (int i = 1; i <= n - 2; ++i) {
-    const double d = a.down[i - 1] * alpha[i - 1] + a.diag[i];
+    const double d = a.down[i - 1] * al + a.diag[i];
     den[i] = d;
-    alpha[i] = -a.up[i] / d;
+    al = alpha[i] = -a.up[i] / d;
   }
-  den[n - 1] = a.down[n - 2] * alpha[n - 2] + a.diag[n - 1];
+  den[n - 1] = a.down[n - 2] * al + a.diag[n - 1];
 }
 
 // Sweep's right-hand-side part for k <= 4 columns at once (their chains interleave), with
@@ -99,13 +101,14 @@ void SolveColumns(int n, const Bands& a, double* alpha, const double* den, const
                   const Run* x) {
   double prev[k];
   double d = fused ? a.diag[0] : den[0];
-  if (fused) alpha[0] = -a.up[0] / a.diag[0];
+  double al = 0;
+  if (fused) al = alpha[0] = -a.up[0] / a.diag[0];
   for (int c = 0; c < k; ++c) prev[c] = x[c][0] = b[c][0] / d;
   for (int i = 1; i <= n - 1; ++i) {
     const double dn = a.down[i - 1];
     if (fused) {
-      d = dn * alpha[i - 1] + a.diag[i];
-      if (i <= n - 2) alpha[i] = -a.up[i] / d;
+      d = dn * al + a.diag[i];
+      if (i <= n - 2) al = alpha[i] = -a.up[i] / d;
     } else {
       d = den[i];
     }
