@@ -71,16 +71,7 @@ TT zrPolynom<TT>::Derivative(TT x, int m) const {
     for (int i = 1; i < k; ++i) p = p * t / static_cast<TT>(k - i) + c[i];
     return p;
   }
-  // The weight of c[i] is the falling factorial of its degree d = n-1-i, m factors.
-  auto weighted = [&](int i) {
-    const int d = n - 1 - i;
-    TT f = static_cast<TT>(1);
-    for (int j = 0; j < m; ++j) f = f * static_cast<TT>(d - j);
-    return c[i] * f;
-  };
-  TT p = weighted(0);
-  for (int i = 1; i < k; ++i) p = p * t + weighted(i);
-  return p;
+  return zr::detail::PowerDerivative(c, n, t, m);
 }
 
 ZR_INSTANTIATE_TEMPLATE(class, zrPolynom<double>);

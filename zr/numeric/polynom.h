@@ -85,6 +85,27 @@ class ZR_API zrPolynom : public zrColumnVector<TT> {
   TT x0_ = TT{};               // the centre
 };
 
+namespace zr::detail {
+
+// The m-th derivative (0 <= m < n) at t = x - centre of the power-form coefficients
+// c[0] ... c[n-1] (highest degree first): each c[i] weighted by the falling factorial of
+// its degree d = n-1-i over m factors, then Horner's rule over the n - m that survive.
+// Shared by zrPolynom and the spline's flat segment records.
+template <class TT, class Coefficients>
+TT PowerDerivative(const Coefficients& c, int n, TT t, int m) {
+  auto weighted = [&](int i) {
+    const int d = n - 1 - i;
+    TT f = static_cast<TT>(1);
+    for (int j = 0; j < m; ++j) f = f * static_cast<TT>(d - j);
+    return c[i] * f;
+  };
+  TT p = weighted(0);
+  for (int i = 1; i < n - m; ++i) p = p * t + weighted(i);
+  return p;
+}
+
+}  // namespace zr::detail
+
 ZR_EXTERN_TEMPLATE(class, zrPolynom<double>);
 /// Arrays of polynomials (the segments of a spline). Copying such an array copies the
 /// coefficient values into new polynomials; moving elements inside it exchanges handles.

@@ -59,18 +59,7 @@ bool CubicJointClose(const TT* a, const TT* b) {
 template <class TT>
 TT RecordDerivative(const TT* r, int koef, TT x, int m) {
   if (m >= koef) return TT{};
-  const TT* c = r + 2;
-  const TT t = x + (TT{} - r[0]);
-  const int k = koef - m;
-  auto weighted = [&](int i) {
-    const int d = koef - 1 - i;
-    TT f = static_cast<TT>(1);
-    for (int j = 0; j < m; ++j) f = f * static_cast<TT>(d - j);
-    return c[i] * f;
-  };
-  TT p = weighted(0);
-  for (int i = 1; i < k; ++i) p = p * t + weighted(i);
-  return p;
+  return PowerDerivative(r + 2, koef, x + (TT{} - r[0]), m);
 }
 
 }  // namespace
