@@ -24,8 +24,9 @@ std::string Text(const zrString& s) { return s.Len() ? std::string(s.GetPointer(
 // The characters on the heap in a buffer of exactly their size, so that the sanitizer
 // sees any read past the last one.
 std::vector<char> Exact(const std::string& text) { return {text.begin(), text.end()}; }
+// (The vector's characters are writable heap memory; only the view is taken through const.)
 zrString View(const std::vector<char>& chars) {
-  return zrString(chars.data(), static_cast<int>(chars.size()));
+  return zrString(const_cast<char*>(chars.data()), static_cast<int>(chars.size()));
 }
 
 using Token = std::pair<K, std::string>;
@@ -97,11 +98,25 @@ TEST(StringToken, ScansIntoTheSourcesCharactersByTheGrammar) {
 }
 
 TEST(String, ConstructionAndSlicesViewOrOwn) {
-  const char text[] = "abc";
+  char text[] = "abc";
   const zrString view(text);
   EXPECT_TRUE(view.GetPointer() == text && view.Len() == 3 && view.GetMem() == nullptr);
-  for (const zrString& empty : {zrString(nullptr), zrString(""), zrString(text, 0), zrString(0)})
+  for (const zrString& empty : {zrString(static_cast<char*>(nullptr)), zrString(""),
+                                zrString(text, 0), zrString("ab", 0), zrString(0)})
     EXPECT_TRUE(empty.Len() == 0 && empty.GetPointer() == nullptr);
+
+  // Const text is copied into a block of its own, zeros included, so that the in-place
+  // writes of an equal-length assignment, Fill or a checked read never reach a literal.
+  const char* const literal = "xyz";
+  zrString owning(literal);
+  EXPECT_TRUE(owning.GetPointer() != literal && BlockCount(owning) == 3 && owning == "xyz");
+  EXPECT_TRUE(zrString("a\0b", 3) == zrString(std::string("a\0b", 3).data(), 3));
+  owning = zrString(text);
+  owning.Fill('q');
+  unsigned char flat[7] = {3, 0, 0, 0, 'f', 'l', 't'};
+  zrString read("abc");
+  EXPECT_EQ(zrFromMem(flat, sizeof flat, read), 7);
+  EXPECT_TRUE(owning == "qqq" && read == "flt" && std::strcmp(literal, "xyz") == 0);
   const zrString copy(view);  // a private block
   EXPECT_TRUE(copy.GetPointer() != text && copy == view);
   EXPECT_EQ(BadParametersText([] { zrString(-1); }), "Invalid parameters : zrNewWithRef : n <= 0 ");
@@ -186,15 +201,19 @@ TEST(String, TokenizeViewsTheSourceAndReusesItsOutput) {
   ASSERT_EQ(out.Len(), 2);
   EXPECT_TRUE(out[0].GetPointer() == chars.data() + 2 && out[1] == "bc" && !out[1].GetMem());
 
+  // The tokens view their source uncounted, so each source here outlives its tokens.
   zrString* const strings = out.GetPointer();
-  zrString(" x y").Tokenize(out, zrString(" "));  // same count: the same elements
+  const zrString xy(" x y");
+  xy.Tokenize(out, zrString(" "));  // same count: the same elements
   EXPECT_TRUE(out.GetPointer() == strings && out[0] == "x" && out[1] == "y");
+  EXPECT_TRUE(out[0].GetMem() == nullptr && out[0].GetPointer() == xy.GetPointer() + 1);
 
-  zrString("a\0b", 3).Tokenize(out, zrString("\0", 1));
+  const zrString zeros("a\0b", 3), commas(",,,"), abc("abc");
+  zeros.Tokenize(out, zrString("\0", 1));
   EXPECT_TRUE(out.Len() == 2 && out[1] == "b");
-  zrString(",,,").Tokenize(out, zrString(","));
+  commas.Tokenize(out, zrString(","));
   EXPECT_TRUE(out.Len() == 0 && out.GetMem() == nullptr);
-  zrString("abc").Tokenize(out, zrString());
+  abc.Tokenize(out, zrString());
   EXPECT_TRUE(out.Len() == 1 && out[0] == "abc");
 
   // Editing an array of tokens exchanges them, never assigns one over another.
@@ -206,4 +225,32 @@ TEST(String, TokenizeViewsTheSourceAndReusesItsOutput) {
   out.Remove(0);
   EXPECT_STREQ(text, "ab,cd,ef");
   EXPECT_TRUE(out.Len() == 3 && out[0] == "xy" && out[1] == "ab" && out[2] == "ef");
+}
+
+// Splitting into the array that holds the source gives what splitting a copy gives, and
+// the tokens stay valid: they hold the copy's block between them.
+TEST(String, TokenizeIntoTheArrayHoldingTheSource) {
+  const zrString expected_comma(",");
+  for (const char* text : {"single", "a,bb,ccc", ",,"}) {
+    const zrString expected_source(text);
+    zrSimpleArray<zrString> expected;
+    expected_source.Tokenize(expected, expected_comma);
+
+    for (int len : {1, 2, 3}) {  // the count differs or not, so out is resized or reused
+      zrSimpleArray<zrString> out(len);
+      out[0] = zrString(text);                    // an owning source, the sole holder of its block
+      if (len > 1) out[len - 1] = zrString(",");  // the delimiters in out as well
+      out[0].Tokenize(out, len > 1 ? out[len - 1] : expected_comma);
+      ASSERT_EQ(out.Len(), expected.Len()) << text << " " << len;
+      for (int i = 0; i < out.Len(); ++i) EXPECT_EQ(out[i], expected[i]);
+    }
+  }
+
+  // A source viewing the characters of a block only an element of out holds.
+  zrSimpleArray<zrString> out(2);
+  out[1] = zrString("p q r");
+  const zrString view = out[1].Mid(0, 5);
+  view.Tokenize(out, zrString(" "));
+  ASSERT_EQ(out.Len(), 3);
+  EXPECT_TRUE(out[0] == "p" && out[1] == "q" && out[2] == "r");
 }

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstdint>
 #include <cstring>
+#include <functional>
 
 #include "zr/arrays/simple_array_impl.h"
 
@@ -36,12 +37,20 @@ enum ScanState {
 
 ZR_DEFINE_TYPE_IDENTITY(zrString)
 
-zrString::zrString(const char* s) {
-  if (s && *s) SetDirectly(const_cast<char*>(s), static_cast<int>(std::strlen(s)));
+zrString::zrString(char* s) {
+  if (s && *s) SetDirectly(s, static_cast<int>(std::strlen(s)));
 }
 
+zrString::zrString(char* s, int n) {
+  if (s && n > 0) SetDirectly(s, n);
+}
+
+zrString::zrString(const char* s) : zrString(s, s ? static_cast<int>(std::strlen(s)) : 0) {}
+
 zrString::zrString(const char* s, int n) {
-  if (s && n > 0) SetDirectly(const_cast<char*>(s), n);
+  if (!s || n <= 0) return;
+  Set(n);
+  std::memcpy(GetPointer(), s, static_cast<std::size_t>(n));
 }
 
 zrString::zrString(int n) {
@@ -166,13 +175,31 @@ zrString zrString::Mid(int start, int n) const {
   return view;
 }
 
-void zrString::Tokenize(zrSimpleArray<zrString>& out, const zrString& delimiters) const {
-  // A character is a delimiter when delimiters holds it; a table answers that in one look.
-  bool is_delimiter[256] = {};
-  for (const char c : delimiters) is_delimiter[static_cast<unsigned char>(c)] = true;
-  char* const s = GetPointer();
-  const int n = Len();
-  const auto delimiter = [&](int i) { return is_delimiter[static_cast<unsigned char>(s[i])]; };
+namespace zr::detail {
+namespace {
+
+// Whether writing tokens into out may free or move the characters of s before they are
+// read: s is one of out's elements, or its characters lie in a block an element holds.
+bool SplitsIntoItself(const zrString& s, const zrSimpleArray<zrString>& out) {
+  const std::less<const void*> before;
+  const zrString* const first = out.GetPointer();
+  if (first && !before(&s, first) && before(&s, first + out.Len())) return true;
+  const char* const p = s.GetPointer();
+  if (!p) return false;
+  for (const zrString& e : out) {
+    const char* const block = static_cast<const char*>(e.GetMem());
+    if (block && !before(p, block) && before(p, block + BlockCount(block))) return true;
+  }
+  return false;
+}
+
+// Splits s into out (see zrString::Tokenize); holder, when given, is the block the tokens
+// hold between them.
+void Split(const zrString& s, zrSimpleArray<zrString>& out, const bool (&is_delimiter)[256],
+           const zrString* holder) {
+  char* const p = s.GetPointer();
+  const int n = s.Len();
+  const auto delimiter = [&](int i) { return is_delimiter[static_cast<unsigned char>(p[i])]; };
 
   int count = 0;
   for (int i = 0; i < n;) {
@@ -192,7 +219,26 @@ void zrString::Tokenize(zrSimpleArray<zrString>& out, const zrString& delimiters
     if (i == n) break;
     const int start = i;
     while (i < n && !delimiter(i)) ++i;
-    out[t++].SetDirectly(s + start, i - start);
+    if (holder)
+      out[t++].SetDirectly(p + start, i - start, *holder);
+    else
+      out[t++].SetDirectly(p + start, i - start);
+  }
+}
+
+}  // namespace
+}  // namespace zr::detail
+
+void zrString::Tokenize(zrSimpleArray<zrString>& out, const zrString& delimiters) const {
+  // A character is a delimiter when delimiters holds it; a table answers that in one look.
+  // It is filled first: delimiters may be an element of out as well.
+  bool is_delimiter[256] = {};
+  for (const char c : delimiters) is_delimiter[static_cast<unsigned char>(c)] = true;
+  if (zr::detail::SplitsIntoItself(*this, out)) {
+    const zrString copy(*this);
+    zr::detail::Split(copy, out, is_delimiter, &copy);
+  } else {
+    zr::detail::Split(*this, out, is_delimiter, nullptr);
   }
 }
 

@@ -8,11 +8,14 @@
 /// reach it through zrPArray).
 ///
 /// Who owns the characters:
-///   - zrString(const char*) and zrString(const char*, int) view the caller's characters:
-///     nothing is copied, nothing is counted, and the caller keeps them alive and unchanged
-///     for as long as the string (or anything cut from it) is used. Writes through the
-///     string (operator[], an assignment of equal length) reach those characters, so a
-///     string viewing a literal must not be written to;
+///   - zrString(char*) and zrString(char*, int) view the caller's writable characters:
+///     nothing is copied, nothing is counted, and the caller keeps them alive for as long
+///     as the string (or anything cut from it) is used. Writes through the string
+///     (operator[], an assignment of equal length, Fill) reach those characters;
+///   - zrString(const char*) and zrString(const char*, int) copy the characters into a
+///     private block: const text (a literal above all) may sit in read-only memory, and
+///     the in-place writes above would fault on it. A string literal therefore always
+///     gives an owning string, a char array or char* a view;
 ///   - Left, Right, Mid and Tokenize give views of this string's characters in the same
 ///     way: uncounted, so they must not outlive the block or the characters they came from;
 ///   - GetToken makes its token a window of this string (SetSubWindow): it holds this
@@ -55,8 +58,14 @@ class ZR_API zrString : public zrArray<char> {
   zrString() = default;
   /// Views the characters of s up to its terminating zero, without copying or owning them
   /// (see the top of this file). A null or empty s gives an empty string.
-  zrString(const char* s);  // NOLINT(google-explicit-constructor): literals convert
+  zrString(char* s);  // NOLINT(google-explicit-constructor): C strings convert
   /// Views the n characters at s, zeros included. A null s or n <= 0 gives an empty string.
+  zrString(char* s, int n);
+  /// Copies the characters of s up to its terminating zero into a private block. A null or
+  /// empty s gives an empty string without a block.
+  zrString(const char* s);  // NOLINT(google-explicit-constructor): literals convert
+  /// Copies the n characters at s, zeros included, into a private block. A null s or
+  /// n <= 0 gives an empty string without a block.
   zrString(const char* s, int n);
   /// Owns a new block of n characters, uninitialised; n == 0 gives an empty string and
   /// n < 0 throws "zrNewWithRef : n <= 0 ".
@@ -132,8 +141,13 @@ class ZR_API zrString : public zrArray<char> {
   /// separator and leading and trailing ones are ignored, so no token is empty. out is
   /// emptied when there is no token; otherwise it is resized to the count (with Init, only
   /// when the count differs, so its strings are reused) and out[i] is set to view the i-th
-  /// token's characters of this string: nothing is copied and nothing is counted. This
-  /// string must not be an element of out.
+  /// token's characters of this string: nothing is copied and nothing is counted.
+  ///
+  /// Splitting into the array that holds the source gives the result of splitting a copy:
+  /// when this string is an element of out, or its characters lie in a block held by one,
+  /// resizing or re-pointing out could free them before they are read. The characters are
+  /// then copied into a private block first, and the tokens view that block counted (they
+  /// hold it between them, as windows do), so they stay valid after the call.
   void Tokenize(zrSimpleArray<zrString>& out, const zrString& delimiters) const;
 
   /// Scans the token that starts at or after pos (leading white space is skipped). token
