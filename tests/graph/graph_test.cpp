@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <string>
+#include <vector>
 
 #include "support/test_support.h"
 #include "zr/graph/graph.h"
@@ -179,4 +180,117 @@ TEST(SimpleGraph, WaveHasNoVisitedSetOfItsOwn) {
   };
   g.Wave(a, twice, &steps);
   EXPECT_EQ(steps, "bcacba");  // from a: b, c; from b: a, c; from c: b, a; then all refused
+}
+
+namespace {
+
+// An acceptance that tries to take members out of the graph it walks, then steps as
+// PathLen does. Every attempt must be refused: the walk queues plain nodes and stands
+// on a node and a branch.
+struct Meddler {
+  zrSimpleGraph* g = nullptr;
+  std::vector<zrSimpleGraphNodeHead*> queued;  // every node whose step was accepted
+  int attempts = 0;
+  int refused = 0;
+  bool nested = false;  // run a Wave of its own first, on the same graph
+};
+
+int Meddle(zrSimpleGraphNodeHead* from, zrSimpleGraphNodeHead* to, zrSimpleGraphBranchHead* via,
+           void* data) {
+  Meddler& m = *static_cast<Meddler*>(data);
+  if (m.nested) {
+    m.nested = false;
+    m.g->Wave(
+        from,
+        [](zrSimpleGraphNodeHead*, zrSimpleGraphNodeHead*, zrSimpleGraphBranchHead*, void*) {
+          return 0;
+        },
+        nullptr);
+  }
+  const zrSimpleGraph other_handle(*m.g);
+  const auto attempt = [&m](auto f) {
+    ++m.attempts;
+    if (zr_test::BadParametersText(f) ==
+        "Invalid parameters : zrSimpleGraph::Remove : the graph is in a Wave")
+      ++m.refused;
+  };
+  attempt([&] { m.g->Remove(to); });
+  attempt([&] { m.g->Remove(from); });
+  attempt([&] { m.g->Remove(via); });
+  for (zrSimpleGraphNodeHead* n : m.queued) attempt([&] { m.g->Remove(n); });
+  attempt([&] { zrSimpleGraph(other_handle).Remove(m.g->GetBranchList()); });
+  const int accepted = zrSimpleGraph::PathLen(from, to, via, nullptr);
+  if (accepted) m.queued.push_back(to);
+  return accepted;
+}
+
+// a-b, a-c, b-d, c-d, walked from a.
+struct Diamond {
+  Diamond() {
+    a = AddNode(g, 'a');
+    b = AddNode(g, 'b');
+    c = AddNode(g, 'c');
+    d = AddNode(g, 'd');
+    AddBranch(g, a, b);
+    AddBranch(g, a, c);
+    bd = AddBranch(g, b, d);
+    AddBranch(g, c, d);
+    a->SetLevel(1);
+  }
+  zrSimpleGraph g;
+  Node *a, *b, *c, *d;
+  Branch* bd;
+};
+
+}  // namespace
+
+TEST(SimpleGraph, RemovalInsideAWaveIsRefused) {
+  for (const bool nested : {false, true}) {
+    log.clear();
+    {
+      Diamond dia;
+      Meddler m;
+      m.g = &dia.g;
+      m.nested = nested;  // an inner walk that ends must leave the outer one walking
+      dia.g.Wave(dia.a, Meddle, &m);
+      EXPECT_GT(m.attempts, 10);
+      EXPECT_EQ(m.refused, m.attempts);
+      EXPECT_EQ(log, "");
+      EXPECT_EQ(dia.d->GetBack(), dia.bd);  // the walk ran to its end on the whole graph
+      EXPECT_EQ(dia.d->GetLevel(), 3);
+      dia.g.Remove(dia.b);  // after the walk removal works again
+      EXPECT_EQ(log, "~ab~bd~b");
+      EXPECT_EQ(dia.d->GetBack(), nullptr);  // its branch has gone
+    }
+    EXPECT_EQ(log, "~ab~bd~b~ac~cd~a~c~d");
+  }
+}
+
+TEST(SimpleGraph, AWaveEndsCleanlyWhenTheAcceptanceThrowsOrDropsTheGraph) {
+  log.clear();
+  {
+    Diamond dia;
+    const auto thrower = [](zrSimpleGraphNodeHead* from, zrSimpleGraphNodeHead* to,
+                            zrSimpleGraphBranchHead* via, void*) {
+      if (Of(to) == 'd') throw 7;
+      return zrSimpleGraph::PathLen(from, to, via, nullptr);
+    };
+    EXPECT_THROW(dia.g.Wave(dia.a, thrower, nullptr), int);
+    dia.g.Remove(dia.bd);  // the walk's state went with the exception
+    EXPECT_EQ(log, "~bd");
+  }
+  log.clear();
+  {
+    // The acceptance drops the last handle on the graph it walks: the walk finishes on the
+    // members it holds, and they go with it.
+    Diamond dia;
+    const auto dropper = [](zrSimpleGraphNodeHead* from, zrSimpleGraphNodeHead* to,
+                            zrSimpleGraphBranchHead* via, void* data) {
+      *static_cast<zrSimpleGraph*>(data) = zrSimpleGraph();
+      return zrSimpleGraph::PathLen(from, to, via, nullptr);
+    };
+    dia.g.Wave(dia.a, dropper, &dia.g);
+    EXPECT_EQ(log, "~ab~ac~bd~cd~a~b~c~d");
+    EXPECT_EQ(dia.g.GetNodeList(), nullptr);
+  }
 }

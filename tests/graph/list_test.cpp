@@ -16,13 +16,19 @@ struct Line : zrList2Head {
   ~Line() override { ++destroyed; }
 };
 
-// In a singly and a doubly linked ring at once, with one count.
+// In a singly and a doubly linked ring at once, with one count. No identity of its own
+// is needed: the links and the count bring none.
 class Both : public zrList1kHead, public zrList2kHead, public zrRefCount {
-  ZR_TYPE_IDENTITY
  public:
   ~Both() override { ++destroyed; }
 };
-ZR_DEFINE_TYPE_IDENTITY(Both)
+
+// A counted element of one ring, as the graph's members are made; and one that names itself.
+struct Item : zrList1kHead, zrRefCount {};
+struct NamedItem : zrInternalList2k, zrList2Head, zrRefCount {
+  ZR_TYPE_IDENTITY
+};
+ZR_DEFINE_TYPE_IDENTITY(NamedItem)
 
 }  // namespace
 
@@ -64,6 +70,28 @@ TEST(List, HeadsDeleteOnlyWhatAllowsIt) {
   both->DecreaseRefCount();
   delete ring2;  // nothing holds it now
   EXPECT_EQ(destroyed, 1);
+}
+
+TEST(List, ACountedObjectInSeveralRingsHasOneCountAndOneIdentity) {
+  Both both;
+  const zrList1kHead& as_ring1 = both;
+  const zrList2kHead& as_ring2 = both;
+  as_ring1.IncreaseRefCount();
+  EXPECT_EQ(as_ring2.IncreaseRefCount(), 2);
+  EXPECT_EQ(static_cast<const zrRefCount&>(both).GetRefCount(), 2);
+  EXPECT_EQ(as_ring1.IsAllowDelete(), 0);
+  EXPECT_EQ(as_ring1.GetThis(), as_ring2.GetThis());
+  const zrUsingNew root;
+  EXPECT_EQ(as_ring1.GetType(), root.GetType());
+  EXPECT_STREQ(as_ring2.GetTypeString(), "zrUsingNew");
+  EXPECT_STREQ(Item().GetTypeString(), "zrUsingNew");
+  both.DecreaseRefCount();
+  both.DecreaseRefCount();
+
+  const NamedItem named;
+  EXPECT_STREQ(static_cast<const zrList2kHead&>(named).GetTypeString(), "NamedItem");
+  EXPECT_EQ(static_cast<const zrList2Head&>(named).GetType(), named.GetType());
+  EXPECT_NE(named.GetType(), root.GetType());
 }
 
 TEST(List, CopiesStartAloneAndAssignmentTouchesNoNeighbour) {

@@ -75,6 +75,7 @@ TEST(Matrix3x3, ArithmeticCopyInverseAndTurns) {
   EXPECT_EQ(a * v, zrTVec3<double>(14, 32, 53));
   EXPECT_EQ(v * a, zrTVec3<double>(30, 36, 45));
   ExpectElements(MulCL(v, zrTVec3<double>(1, 10, 100)), {1, 10, 100, 2, 20, 200, 3, 30, 300});
+  ExpectElements(MulCL(zrVec2(2, 3), zrVec2(4, 5)), {8, 10, 12, 15});
   ExpectElements(a * a.Inverse(), {1, 0, 0, 0, 1, 0, 0, 0, 1}, 1e-14);
   EXPECT_EQ(zr_test::BadParametersText([] { zrTMatrix3x3<double>(1.0).Inverse(); }),
             kPrefix + ZR_TEXT_SYSTEM_NOT_UNIQUE);

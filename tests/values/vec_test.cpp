@@ -65,6 +65,17 @@ TEST(Vec, ProductsAndNorms) {
   EXPECT_EQ(Vec3(1, 2, 6).E(), 3.0);
 }
 
+TEST(Vec, MulCLIsTheOuterProductWithThisVectorAsTheColumn) {
+  // Element (i, j) = a[i] * b[j], stored by rows: the transpose would swap 2*5 and 3*4.
+  const zrMatrix2x2 m = zrVec2(2, 3).MulCL(zrVec2(4, 5));
+  const double m_want[] = {8, 10, 12, 15};
+  for (int k = 0; k < 4; ++k) EXPECT_EQ(m.GetPointer()[k], m_want[k]) << k;
+
+  const zrTMatrix3x3<double> t = Vec3(1, 2, 3).MulCL(Vec3(1, 10, 100));
+  const double t_want[] = {1, 10, 100, 2, 20, 200, 3, 30, 300};
+  for (int k = 0; k < 9; ++k) EXPECT_EQ(t.GetPointer()[k], t_want[k]) << k;
+}
+
 TEST(Vec, MinAndMaxTakeTheLaterOnTiesAndNaN) {
   EXPECT_EQ(Vec3(2, 3, 1).Max(), 3.0);
   // Signed zeros tie: the later one is kept.

@@ -32,8 +32,6 @@ void* zrUsingNew::operator new[](std::size_t size) { return zrMalloc(size); }
 void zrUsingNew::operator delete(void* p) noexcept { zrFree(p); }
 void zrUsingNew::operator delete[](void* p) noexcept { zrFree(p); }
 
-ZR_DEFINE_TYPE_IDENTITY(zrRefCount)
-
 int zrRefCount::IncreaseRefCount() const { return ++ref_count_; }
 int zrRefCount::DecreaseRefCount() const { return --ref_count_; }
 int zrRefCount::GetRefCount() const { return ref_count_; }

@@ -83,8 +83,13 @@ class ZR_API zrUsingNew {
 /// An object with holders. The count is mutable: holding a const object counts too.
 /// zrUsingNew is a virtual base, so that a class which is both counted and a list link
 /// (a graph node) has one zrUsingNew part and one count.
+///
+/// zrRefCount overrides the four count operations only. It has no identity of its own:
+/// GetType and GetTypeString are zrUsingNew's ("zrUsingNew") until a derived class declares
+/// one. So a class may combine it with several list links, which have none either, without
+/// declaring an identity (two bases that both override GetType would leave the class
+/// without a unique final overrider).
 class ZR_API zrRefCount : public virtual zrUsingNew {
-  ZR_TYPE_IDENTITY
  public:
   zrRefCount() = default;
   /// A copy is a new object with no holders yet (count 0)...

@@ -13,8 +13,6 @@ void DropUnlinked(const zrUsingNew* link) {
 
 // ---------------------------------------------------------------------------------------
 
-ZR_DEFINE_TYPE_IDENTITY(zrList1kHead)
-
 // Assigning a link to itself is no special case: it too leaves the link alone.
 // NOLINTNEXTLINE(bugprone-unhandled-self-assignment)
 zrList1kHead& zrList1kHead::operator=(const zrList1kHead& /*other*/) {
@@ -46,8 +44,6 @@ int zrList1kHead::Len() const {
 }
 
 // ---------------------------------------------------------------------------------------
-
-ZR_DEFINE_TYPE_IDENTITY(zrList2Head)
 
 // NOLINTNEXTLINE(bugprone-unhandled-self-assignment)
 zrList2Head& zrList2Head::operator=(const zrList2Head& /*other*/) {
@@ -88,8 +84,6 @@ zrList2Head* zrList2Head::AddBefore(zrList2Head* x) {
 }
 
 // ---------------------------------------------------------------------------------------
-
-ZR_DEFINE_TYPE_IDENTITY(zrList2kHead)
 
 // NOLINTNEXTLINE(bugprone-unhandled-self-assignment)
 zrList2kHead& zrList2kHead::operator=(const zrList2kHead& /*other*/) {
@@ -135,8 +129,6 @@ int zrList2kHead::Len() const {
 }
 
 // ---------------------------------------------------------------------------------------
-
-ZR_DEFINE_TYPE_IDENTITY(zrInternalList2k)
 
 // NOLINTNEXTLINE(bugprone-unhandled-self-assignment)
 zrInternalList2k& zrInternalList2k::operator=(const zrInternalList2k& other) {

@@ -15,8 +15,11 @@
 ///
 /// Every link class has zrUsingNew as a virtual base. A class may derive from several of
 /// them (and from zrRefCount) and still has one zrUsingNew part: one count, one heap
-/// identity. Such a class has to declare an identity of its own (ZR_TYPE_IDENTITY), since
-/// each of its bases brings one.
+/// identity. The four link classes, like zrRefCount, have no identity of their own, so
+/// such a class compiles as it stands: `struct Item : zrList1kHead, zrList2kHead,
+/// zrRefCount {};` reports zrUsingNew's identity ("zrUsingNew") unless it declares one
+/// (ZR_TYPE_IDENTITY). The value nodes and the queue below are complete classes and have
+/// theirs.
 ///
 /// Ownership: a link that is destroyed while others are linked to it takes them out one
 /// by one and deletes each whose IsAllowDelete says yes (an uncounted object always, a
@@ -40,7 +43,6 @@
 // Singly linked ring.
 
 class ZR_API zrList1kHead : public virtual zrUsingNew {
-  ZR_TYPE_IDENTITY
  public:
   /// Alone.
   zrList1kHead() : next_(this) {}
@@ -74,7 +76,6 @@ class ZR_API zrList1kHead : public virtual zrUsingNew {
 // Doubly linked line.
 
 class ZR_API zrList2Head : public virtual zrUsingNew {
-  ZR_TYPE_IDENTITY
  public:
   /// Alone: both links null.
   zrList2Head() = default;
@@ -110,7 +111,6 @@ class ZR_API zrList2Head : public virtual zrUsingNew {
 // Doubly linked ring.
 
 class ZR_API zrList2kHead : public virtual zrUsingNew {
-  ZR_TYPE_IDENTITY
  public:
   /// Alone: both links to itself.
   zrList2kHead() : next_(this), prev_(this) {}
@@ -141,7 +141,6 @@ class ZR_API zrList2kHead : public virtual zrUsingNew {
 /// link of the same kind (a graph branch has one in each end's branch list; the payload
 /// leads back to the branch).
 class ZR_API zrInternalList2k : public zrList2kHead {
-  ZR_TYPE_IDENTITY
  public:
   zrInternalList2k() = default;
   explicit zrInternalList2k(void* payload) : payload_(payload) {}

@@ -1,5 +1,7 @@
 #include "zr/graph/simple_graph.h"
 
+#include <initializer_list>
+
 ZR_INSTANTIATE_TEMPLATE(class, zrSimpleList1k<zrSimpleGraphNodeHead*>);
 ZR_INSTANTIATE_TEMPLATE(class, zrSimpleList2k<zrSimpleGraphNodeHead*>);
 ZR_INSTANTIATE_TEMPLATE(class, zrListQueue<zrSimpleGraphNodeHead*>);
@@ -22,6 +24,7 @@ class GraphMembers : public zrRefCount {
 
   zrAutoDelPointer<zrSimpleGraphNodeHead> first_node;
   zrAutoDelPointer<zrSimpleGraphBranchHead> first_branch;
+  std::int32_t walks = 0;  // Waves under way on the graph (nested ones count too)
 };
 
 ZR_DEFINE_TYPE_IDENTITY(GraphMembers)
@@ -128,6 +131,10 @@ zrSimpleGraphBranchHead& zrSimpleGraphBranchHead::operator=(const zrSimpleGraphB
 }
 
 zrSimpleGraphBranchHead::~zrSimpleGraphBranchHead() {
+  // No end keeps a Wave's step along a branch that is gone. The ends are still held.
+  for (zrSimpleGraphNodeHead* end : {node1_.GetPointer(), node2_.GetPointer()}) {
+    if (end && end->back_ == this) end->back_ = nullptr;
+  }
   RemoveFromNode();
   zrList2kHead::Remove();
 }
@@ -218,12 +225,30 @@ void zrSimpleGraph::Add(zrSimpleGraphBranchHead* branch) {
   }
 }
 
-void zrSimpleGraph::Remove(zrSimpleGraphBranchHead* b) { members_->Remove(b); }
+namespace {
 
-void zrSimpleGraph::Remove(zrSimpleGraphNodeHead* n) { members_->Remove(n); }
+void RefuseDuringWave(const zr::detail::GraphMembers& members) {
+  if (members.walks > 0) throw BadParameters("zrSimpleGraph::Remove : the graph is in a Wave");
+}
+
+}  // namespace
+
+void zrSimpleGraph::Remove(zrSimpleGraphBranchHead* b) {
+  RefuseDuringWave(*members_);
+  members_->Remove(b);
+}
+
+void zrSimpleGraph::Remove(zrSimpleGraphNodeHead* n) {
+  RefuseDuringWave(*members_);
+  members_->Remove(n);
+}
 
 void zrSimpleGraph::Wave(zrSimpleGraphNodeHead* start, AcceptFunction accept, void* data) {
-  zrSimpleGraphNodeHead* const first = members_->first_node.GetPointer();
+  // The walk holds the graph's record to its end: an acceptance that lets go of the last
+  // handle (this one included) cannot have the members deleted under the walk; they go
+  // when the walk is over. Nothing below reaches this handle again.
+  const zrAutoDelPointer<zr::detail::GraphMembers> members(members_);
+  zrSimpleGraphNodeHead* const first = members->first_node.GetPointer();
   if (!first) return;
   ForEachNode(first, [](zrSimpleGraphNodeHead* n) {
     n->back_ = nullptr;
@@ -232,6 +257,17 @@ void zrSimpleGraph::Wave(zrSimpleGraphNodeHead* start, AcceptFunction accept, vo
       zrSimpleGraphBranchHead::OfLink(link)->back_ = nullptr;
     }
   });
+
+  // While the walk is counted, Remove refuses: the queue holds plain node pointers and
+  // the walk stands on a node and a branch. The count is given back however the walk
+  // ends, before the record is let go.
+  struct Walking {
+    explicit Walking(zr::detail::GraphMembers* m) : members(m) { ++members->walks; }
+    Walking(const Walking&) = delete;
+    Walking& operator=(const Walking&) = delete;
+    ~Walking() { --members->walks; }
+    zr::detail::GraphMembers* members;
+  } walking(members.GetPointer());
 
   zrListQueue<zrSimpleGraphNodeHead*> queue;
   queue.Put(start);

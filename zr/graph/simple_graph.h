@@ -24,8 +24,14 @@
 /// What is not checked: a node or branch joins at most one graph, once; every branch added
 /// to a graph has both ends in it; a branch made on nodes of a graph is added to that graph
 /// (Remove of a node removes every branch on it as a graph member); node and end pointers
-/// are not null. The acceptance function of Wave must not remove members: the walk keeps
-/// plain node pointers in its queue.
+/// are not null.
+///
+/// Removal during a walk is refused, not made safe: while a Wave runs on a graph (through
+/// any of its handles, GetMaxPath's included), Remove throws
+/// BadParameters("zrSimpleGraph::Remove : the graph is in a Wave") and changes nothing. The
+/// walk queues plain node pointers and stands on a node and a branch; a refusal keeps every
+/// one of them a member, whichever the acceptance function tries to take out. Add is allowed
+/// (a branch added on the node being walked is met later in the same walk).
 #pragma once
 
 #include <cstdint>
@@ -72,12 +78,13 @@ class ZR_API zrSimpleGraphNodeHead : public zrList2kHead, public zrRefCount {
   /// for the far end of the path found.
   int GetLevel() const { return level_; }
   void SetLevel(int level) { level_ = level; }
-  /// The branch by which the last Wave reached this node; null for its start and for the
-  /// nodes it did not reach.
+  /// The branch by which the last Wave reached this node; null for its start, for the
+  /// nodes it did not reach, and once that branch has been deleted.
   zrSimpleGraphBranchHead* GetBack() const { return back_; }
 
  private:
   friend class zrSimpleGraph;
+  friend class zrSimpleGraphBranchHead;
   zrList2kHead branches_;                    // ring of branch links, see GetBranchList
   std::int32_t level_ = 0;                   // wave number
   zrSimpleGraphBranchHead* back_ = nullptr;  // branch of the last Wave's step into here
@@ -213,9 +220,11 @@ class ZR_API zrSimpleGraph : public zrUsingNew {
   void Add(zrSimpleGraphNodeHead* node);
   void Add(zrSimpleGraphBranchHead* branch);
   /// Takes b out of the graph (its Remove) and lets the graph's reference go; b is deleted
-  /// when nothing else holds it. Its successor becomes first when b was.
+  /// when nothing else holds it. Its successor becomes first when b was. During a Wave on
+  /// the graph it throws BadParameters("zrSimpleGraph::Remove : the graph is in a Wave").
   void Remove(zrSimpleGraphBranchHead* b);
-  /// Removes every branch on n as above, then n itself the same way.
+  /// Removes every branch on n as above, then n itself the same way; refused during a Wave
+  /// as above.
   void Remove(zrSimpleGraphNodeHead* n);
 
   /// Breadth-first walk from start in which accept decides every step. Resets every
@@ -226,6 +235,12 @@ class ZR_API zrSimpleGraph : public zrUsingNew {
   /// so accept must refuse steps into nodes already reached or the walk does not end.
   /// Oriented branches are followed from node1 to node2 only. Does nothing on an empty
   /// graph. start must be a node of the graph.
+  ///
+  /// accept may do anything but remove members: Remove on this graph throws until the walk
+  /// is over, and the refusal ends with the walk however it ends (an exception from accept
+  /// leaves Wave after freeing its queue). An inner Wave started from accept keeps the
+  /// outer one refusing when it returns. The walk holds the graph, so accept may even drop
+  /// its last handle: the walk runs to its end and the members go after it.
   void Wave(zrSimpleGraphNodeHead* start, AcceptFunction accept, void* data);
 
   /// The acceptance of GetMaxPath: refuses a step into a node whose level is set and not

@@ -60,9 +60,13 @@ zrVec2 operator*(const zrVec2& v, const zrMatrix2x2& m) {
   return zrVec2(v.X() * m(0, 0) + v.Y() * m(1, 0), v.X() * m(0, 1) + v.Y() * m(1, 1));
 }
 
-zrMatrix2x2 MulCL(const zrVec2& a, const zrVec2& b) {
+// The outer products are members of the vectors, defined here where the matrices are.
+zrMatrix2x2 zrVec2::MulCL(const zrVec2& b) const {
+  const zrVec2& a = *this;
   return zrMatrix2x2(a[0] * b[0], a[0] * b[1], a[1] * b[0], a[1] * b[1]);
 }
+
+zrMatrix2x2 MulCL(const zrVec2& a, const zrVec2& b) { return a.MulCL(b); }
 
 zrVec2 zrToVec2(const zrVector<double>& v) {
   if (v.Len() != 2) throw BadParameters("zrVec2: Dim must be equal 2 ");
@@ -123,7 +127,7 @@ void zrTMatrix3x3<T>::SetTurn(T angle, zrTVec3<T> axis) {
 template <class T>
 void zrTMatrix3x3<T>::SetTurn(T c, T s, zrTVec3<T> axis) {
   const zrTVec3<T> u = axis / axis.Norm();
-  const zrTMatrix3x3 uu = MulCL(u, u);
+  const zrTMatrix3x3 uu = u.MulCL(u);
   const T k = 1 - c;
   m_[0] = uu.m_[0] + c * (1 - uu.m_[0]);
   m_[1] = uu.m_[1] * k - s * u.Z();
@@ -205,11 +209,21 @@ zrTVec3<double> operator*(const zrTVec3<double>& v, const zrTMatrix3x3<double>& 
   return r;
 }
 
-zrTMatrix3x3<double> MulCL(const zrTVec3<double>& a, const zrTVec3<double>& b) {
-  zrTMatrix3x3<double> r;
+template <class T>
+zrTMatrix3x3<T> zrTVec3<T>::MulCL(const zrTVec3& b) const {
+  const zrTVec3& a = *this;
+  zrTMatrix3x3<T> r;
   for (int i = 0; i < 3; ++i)
     for (int j = 0; j < 3; ++j) r(i, j) = a[i] * b[j];
   return r;
+}
+
+// zrTVec3<double> itself is instantiated in zr/values, where this member has no body.
+template ZR_TEMPLATE_API zrTMatrix3x3<double> zrTVec3<double>::MulCL(
+    const zrTVec3<double>& b) const;
+
+zrTMatrix3x3<double> MulCL(const zrTVec3<double>& a, const zrTVec3<double>& b) {
+  return a.MulCL(b);
 }
 
 ZR_INSTANTIATE_TEMPLATE(class, zrTMatrix3x3<double>);

@@ -8,15 +8,14 @@
 /// default constructors leave the elements uninitialised, as the vector types do.
 /// zrTMatrix3x3 is instantiated for double only.
 ///
-/// "matrix * vector" takes the vector as a column. The products in the other order (a
-/// row vector times a matrix) and the outer products a * b^T belong to the vector types,
-/// but zr/values knows nothing of this folder, so they are free functions here:
-///   operator*(const zrVec2&, const zrMatrix2x2&)                    (x*m11 + y*m21, x*m12 + y*m22)
-///   operator*(const zrTVec3<double>&, const zrTMatrix3x3<double>&)  component j = x*m1j + y*m2j +
-///   z*m3j MulCL(a, b)                                                     element (i, j) = a[i] *
-///   b[j]
-/// so that `v * m` and `MulCL(a, b)` read as the member forms would. zrToVec2 turns a
-/// two-element zrVector<double> into a zrVec2.
+/// "matrix * vector" takes the vector as a column. The outer products a * b^T are members
+/// of the vectors (zrVec2::MulCL, zrTVec3<double>::MulCL), declared in zr/values with these
+/// types declared ahead and defined here; the free MulCL(a, b) is the same product, kept
+/// for code that reads better with it. The row vector times a matrix is a free operator,
+/// since zr/values knows nothing of this folder:
+///   zrVec2 * zrMatrix2x2             (x*m11 + y*m21, x*m12 + y*m22)
+///   zrTVec3 * zrTMatrix3x3           component j = x*m1j + y*m2j + z*m3j
+/// zrToVec2 turns a two-element zrVector<double> into a zrVec2.
 ///
 /// Componentwise arithmetic is inline; products, determinants, inverses and rotations are
 /// compiled in the library, where contraction into fused multiply-adds is off, so that a
@@ -140,7 +139,7 @@ class ZR_API zrTMatrix3x3 {
   /// Rotation about axis (divided by its length: u = axis / |axis|) by the angle of the
   /// given cosine c and sine s: R = c*I + (1 - c)*u*u^T + s*K, K the cross-product matrix
   /// of u; element by element m11 = ux*ux + c*(1 - ux*ux), m12 = ux*uy*(1 - c) - s*uz, ...
-  /// (products of u as MulCL(u, u) forms them). A zero axis gives NaNs.
+  /// (products of u as u.MulCL(u) forms them). A zero axis gives NaNs.
   void SetTurn(T cosine, T sine, zrTVec3<T> axis);
   /// The rotation that turns the direction of `from` into that of `to` by the smallest
   /// angle, about their common normal: with r = |from| * |to|, c = (from . to) / r,
@@ -201,7 +200,8 @@ static_assert(std::is_standard_layout_v<zrTMatrix3x3<double>> &&
 ZR_API zrVec2 operator*(const zrVec2& v, const zrMatrix2x2& m);
 /// v as a row times m: component j = x*m1j + y*m2j + z*m3j.
 ZR_API zrTVec3<double> operator*(const zrTVec3<double>& v, const zrTMatrix3x3<double>& m);
-/// The outer product a * b^T (a a column, b a row): element (i, j) = a[i] * b[j].
+/// The outer product a * b^T (a a column, b a row): element (i, j) = a[i] * b[j]; the
+/// same as a.MulCL(b).
 ZR_API zrMatrix2x2 MulCL(const zrVec2& a, const zrVec2& b);
 ZR_API zrTMatrix3x3<double> MulCL(const zrTVec3<double>& a, const zrTVec3<double>& b);
 

@@ -14,6 +14,12 @@
 /// Formulas that sum products (ScalarMul, Norm, VectorMul) are compiled in the library,
 /// where contraction into fused multiply-adds is off, so that a caller's compiler flags
 /// cannot change their bits. The rest is inline.
+///
+/// The outer products (MulCL) return the small matrices of zr/linalg, which sits above
+/// this folder: they are declared here with the matrix types declared ahead and defined in
+/// zr/linalg/small_matrix.cpp. A program that calls them includes zr/linalg/linalg.h (or
+/// zr/zr.h) for the result type; with zr/values/values.h alone the call names an
+/// incomplete type and does not compile.
 #pragma once
 
 #include <type_traits>
@@ -21,6 +27,10 @@
 #include "zr/core/export.h"
 #include "zr/core/serialize.h"
 #include "zr/values/complex.h"
+
+class zrMatrix2x2;
+template <class T>
+class zrTMatrix3x3;
 
 class ZR_API zrVec2 {
  public:
@@ -71,6 +81,9 @@ class ZR_API zrVec2 {
   double ScalarMul() const;
   /// sqrt(x*x + y*y), computed directly: no scaling against overflow.
   double Norm() const;
+  /// The outer product a * b^T, this vector a as a column and b as a row: element (i, j)
+  /// = a[i] * b[j]. The result type comes with zr/linalg (see above).
+  zrMatrix2x2 MulCL(const zrVec2& b) const;
 
   /// Componentwise: this value's component where it is strictly greater (Max) or
   /// strictly smaller (Min), else b's; so a tie or a NaN takes b's.
@@ -184,6 +197,9 @@ class ZR_API zrTVec3 {
   /// The cross product this x b, each component in this order:
   ///   (a.y*b.z - a.z*b.y, b.x*a.z - a.x*b.z, a.x*b.y - b.x*a.y).
   zrTVec3 VectorMul(const zrTVec3& b) const;
+  /// The outer product a * b^T, this vector a as a column and b as a row: element (i, j)
+  /// = a[i] * b[j]. The result type comes with zr/linalg (see above).
+  zrTMatrix3x3<T> MulCL(const zrTVec3& b) const;
 
   T Sum() const { return v_[0] + v_[1] + v_[2]; }
   /// The mean, (x + y + z) / 3.
