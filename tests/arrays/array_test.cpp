@@ -189,3 +189,13 @@ TEST(Array, FlatForm) {
             "Invalid parameters : zrNewWithRef : n <= 0 ");
   EXPECT_EQ(Values(b), std::vector<double>({1.5, -2.0}));
 }
+
+TEST(Array, CompoundOperatorsReadAnOverlappingOperandAsItWas) {
+  zrArray<int> a = Of<int>({1, 2, 3, 4, 5});
+  a.Mid(1, 4) += a.Left(4);  // each element plus the one before it, as they were
+  EXPECT_EQ(Values(a), (std::vector<int>{1, 3, 5, 7, 9}));
+  a.Left(4) -= a.Mid(1, 4);
+  EXPECT_EQ(Values(a), (std::vector<int>{-2, -2, -2, -2, 9}));
+  a *= a;  // the same elements: each read before it is written
+  EXPECT_EQ(Values(a), (std::vector<int>{4, 4, 4, 4, 81}));
+}

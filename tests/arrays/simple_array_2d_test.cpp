@@ -83,3 +83,25 @@ TEST(SimpleArray2D, CopiesAssignmentAndInit) {
   g.Set(2, 3, 0.0);
   EXPECT_EQ(line[1], 6);
 }
+
+TEST(SimpleArray2D, LinesAreCheckedAgainstStorageEditedThroughTheBase) {
+  // The base's edits change the length alone; a line past the storage is refused.
+  Grid g(2, 3, 1.0);
+  zrSimpleArray<double>& base = g;
+  base.RemoveLast();
+  EXPECT_EQ(g.Len(), 5);
+  EXPECT_EQ(g.GetHeight() * 10 + g.GetWidth(), 23);
+  zrSimpleArray<double> line;
+  EXPECT_EQ(BadParametersText([&] { g.GetLine(line, 1); }),
+            "Invalid parameters : zrSimpleArray2D<T>::GetLine : out of range");
+  EXPECT_EQ(line.Len(), 0);
+  g.GetLine(line, 0);  // the first line still lies wholly in the storage
+  EXPECT_EQ(line.Len(), 3);
+
+  base.push_back(4.0);  // storage of six again: the second line is whole
+  g.GetLine(line, 1);
+  EXPECT_EQ(line[2], 4);
+  base.Clear();
+  EXPECT_EQ(BadParametersText([&] { g.GetLine(line, 0); }),
+            "Invalid parameters : zrSimpleArray2D<T>::GetLine : out of range");
+}

@@ -257,3 +257,25 @@ TEST(SimpleArrayOfClass, ElementsLiveExactlyAsLongAsTheirBlock) {
   }
   EXPECT_EQ(Counted::Live(), 0);
 }
+
+TEST(SimpleArray, AssignmentFromAnOverlappingWindowReadsTheSourceFirst) {
+  // Each window takes the other's values as they were, in place: the array and every
+  // sharer of its block see the move.
+  Ints a = Of({0, 1, 2, 3, 4, 5, 6, 7});
+  Ints sharer = a.Left(8);
+  Ints ahead = a.Mid(2, 5);
+  ahead = a.Left(5);  // the target starts inside the source
+  EXPECT_EQ(Values(sharer), (V{0, 1, 0, 1, 2, 3, 4, 7}));
+
+  Ints b = Of({0, 1, 2, 3, 4, 5, 6, 7});
+  Ints behind = b.Left(5);
+  behind = b.Mid(2, 5);
+  EXPECT_EQ(Values(b), (V{2, 3, 4, 5, 6, 5, 6, 7}));
+
+  // Class elements move the same way.
+  zrSimpleArray<Counted> c(4);
+  for (int i = 0; i < 4; ++i) c[i].value = i;
+  zrSimpleArray<Counted> tail = c.Right(3);
+  tail = c.Left(3);
+  EXPECT_EQ(Values(c), (V{0, 0, 1, 2}));
+}

@@ -98,3 +98,40 @@ TEST(LengthLimit, NeighbourTablesPastIntMaxAreRefusedBeforeTheyOverflow) {
   EXPECT_EQ(NoMemory([&] { zrArrayNDAbs::Rcurs2(ones, out); }),
             zr_test::NoMemoryText(power * sizeof(int) + 8));
 }
+
+TEST(LengthLimit, VectorViewsBeyondThirtyTwoBitExtentsAreRefused) {
+  // Offsets and extents are taken in 64 bits: a window whose start times the source's
+  // step, length times step or their sum leaves the 32-bit range is refused, unchanged.
+  double cell[4] = {1, 2, 3, 4};
+  const int big = 1 << 30;
+  const std::string set = "Invalid parameters : zrVector<T>::Set : out of range.";
+  const std::string direct = "Invalid parameters : zrVector<T>::SetDirectly : out of range.";
+  zrVector<double> v, w;
+  v.SetDirectly(cell, 4, 1);
+  EXPECT_EQ(zr_test::BadParametersText([&] { w.Set(v, 0, 3, big); }), set);
+  EXPECT_EQ(zr_test::BadParametersText([&] { w.Set(v, 3, 4, INT_MIN / 2); }), set);
+  EXPECT_EQ(zr_test::BadParametersText([&] { w.Set(v, 0, -1, 1); }), set);
+  EXPECT_EQ(zr_test::BadParametersText([&] { w.SetDirectly(cell, 2, big); }), direct);
+  EXPECT_EQ(zr_test::BadParametersText([&] { w.SetDirectly(cell, -1, 1); }), direct);
+  EXPECT_EQ(zr_test::BadParametersText([&] { w.SetDirectly(cell, 3, INT_MIN / 2, v); }), direct);
+
+  zrVector<double> far;
+  far.SetDirectly(cell, 1, big);  // one element with a step of 2^30
+  EXPECT_EQ(zr_test::BadParametersText([&] { w.Set(far, 2, 1, 0); }), set);  // offset 2^31
+  // An offset of 2^30 and an extent of 2^30 add up to 2^31.
+  EXPECT_EQ(zr_test::BadParametersText([&] { w.Set(far, 1, 1, big); }), set);
+  EXPECT_EQ(w.GetPointer(), nullptr);
+  EXPECT_EQ(w.Len(), 0);
+
+  // Windows within 32 bits, however far their steps reach, are made; Left, Right and Mid
+  // of such a window cannot leave the range.
+  zrVector<double> wide, out;
+  wide.SetDirectly(cell, 2, big / 2);
+  EXPECT_EQ(wide.PositiveLength(), big);
+  wide.Right(out, 1);
+  EXPECT_EQ(out.PositiveLength(), big / 2);
+  wide.Mid(out, 0, 2);
+  EXPECT_EQ(out[0], 1);
+  w.Set(v, 3, 4, -(big / 2));
+  EXPECT_EQ(w.NegativeLength(), -3 * (big / 2));
+}

@@ -211,4 +211,45 @@ TEST(Matrix3Diag, Errors) {
   EXPECT_EQ(x.Len(), 0);
 }
 
+TEST(Matrix3Diag, DiagonalsOfInconsistentLengthsAreRefused) {
+  const std::string bad = "Invalid parameters : zrMatrix3Diag: diagonals of inconsistent lengths";
+  const Col three(3), two(2), none;
+  EXPECT_EQ(zr_test::BadParametersText([&] { (void)M3(three, three, two); }), bad);
+  EXPECT_EQ(zr_test::BadParametersText([&] { (void)M3(two, three, three); }), bad);
+  EXPECT_EQ(zr_test::BadParametersText([&] { (void)M3(two, Col(1), none); }), bad);
+  EXPECT_EQ(three.GetNumOfRef(), 0);  // nothing was shared
+  EXPECT_EQ(M3(two, three, two).LineLen(), 3);
+  EXPECT_EQ(M3(none, Col(1), none).LineLen(), 1);
+  EXPECT_EQ(M3(none, none, none).LineLen(), 0);
+
+  // The diagonals can still be edited, and the unchecked reader takes what it reads:
+  // the operations that walk the band refuse such a matrix and change nothing.
+  M3 a = Tri(4);
+  a.Up().ReSet(2);
+  Col x(4);
+  x.Fill(7);
+  const Col b = RVec(4);
+  zrMatrix<double> X;
+  const std::pair<std::function<void()>, std::string> cases[] = {
+      {[&] { a.SolveEquationChaserMethod(x, b); }, bad},
+      {[&] { a.SolveEquationChaserMethod(X, zrMatrix<double>(4, 1)); }, bad},
+      {[&] { a.SolveEquationCycleChaserMethod(x, b, 1, 1); }, bad},
+      {[&] { a.SolveEquationFactorizeMethod(Col(2), Col(2), x, b); }, bad},
+      {[&] { (void)(a * b); }, bad},
+      {[&] { (void)(Tri(4) * a); }, bad},
+      {[&] { (void)a.GetMatrix(); }, bad},
+      {[&] { (void)a.T(); }, bad},
+  };
+  for (const auto& c : cases) EXPECT_EQ(zr_test::BadParametersText(c.first), c.second);
+  EXPECT_TRUE(x.Len() == 4 && x[3] == 7 && X.ColumnLen() == 0);
+
+  M3 wrong = Tri(3);
+  wrong.Diag().ReSet(2);  // Up and Down of two for a Diag of two
+  std::vector<unsigned char> form(static_cast<std::size_t>(wrong.MemSize()));
+  wrong.ToMem(form.data());
+  M3 read;
+  read.FromMem(form.data());
+  EXPECT_EQ(zr_test::BadParametersText([&] { read.SolveEquationChaserMethod(x, b); }), bad);
+}
+
 }  // namespace

@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include <climits>
 #include <cstring>
 #include <initializer_list>
 #include <string>
@@ -209,4 +210,70 @@ TEST(Matrix, FlatFormAndArrays) {
   zrSimpleArray<M> copy(arr);
   copy[1](0, 1) = 40;
   EXPECT_EQ(m(1, 1), 4);
+}
+
+TEST(Matrix, AssignmentFromAnOverlappingViewReadsTheSourceFirst) {
+  // A square matrix is transposed in place: its sharers see the transpose.
+  M m = Rows({{1, 2, 3}, {4, 5, 6}, {7, 8, 9}});
+  M sharer(m);
+  m = m.T();
+  EXPECT_EQ(Elements(sharer), (D{1, 4, 7, 2, 5, 8, 3, 6, 9}));
+
+  // A non-square one changes size, so it takes fresh storage; its old sharers keep the
+  // old values.
+  M wide = Rows({{1, 2, 3}, {4, 5, 6}});
+  M old(wide);
+  wide = wide.T();
+  EXPECT_EQ(wide.ColumnLen() * 10 + wide.LineLen(), 32);
+  EXPECT_EQ(Elements(wide), (D{1, 4, 2, 5, 3, 6}));
+  EXPECT_EQ(Elements(old), (D{1, 2, 3, 4, 5, 6}));
+  EXPECT_EQ(wide.GetNumOfRef(), 0);
+
+  // Windows of one block shifted down and right, and back.
+  M big(4, 4);
+  for (int i = 0; i < 16; ++i) big.GetPointer()[i] = i;
+  M to, from;
+  to.Set(big, 1, 1, 3, 3);
+  from.Set(big, 0, 0, 3, 3);
+  to = from;
+  EXPECT_EQ(Elements(big), (D{0, 1, 2, 3, 4, 0, 1, 2, 8, 4, 5, 6, 12, 8, 9, 10}));
+  from = to;
+  EXPECT_EQ(Elements(big), (D{0, 1, 2, 3, 4, 5, 6, 2, 8, 9, 10, 6, 12, 8, 9, 10}));
+
+  // The in-place sum with a transposed view of itself.
+  M s = Rows({{1, 2}, {3, 4}});
+  s += s.T();
+  EXPECT_EQ(Elements(s), (D{2, 5, 5, 8}));
+  s -= s.T();
+  EXPECT_EQ(Elements(s), (D{0, 0, 0, 0}));
+}
+
+TEST(Matrix, ViewsBeyondThirtyTwoBitExtentsAreRefused) {
+  // Each view spans few real elements; the steps are what would overflow.
+  double cell[4] = {1, 2, 3, 4};
+  const int big = 1 << 30;
+  M m;
+  m.SetDirectly(cell, 1, 1, big, big);  // one element: runs of 2^30
+  const std::string set = kPrefix + "zrMatrix<T>::Set : out of range.";
+  const std::string direct = kPrefix + "zrMatrix<T>::SetDirectly : out of range.";
+  M w;
+  EXPECT_EQ(BadParametersText([&] { w.Set(m, 2, 0, 1, 1); }), set);   // offset 2^31
+  EXPECT_EQ(BadParametersText([&] { w.Set(m, 1, 1, 1, 1); }), set);   // offset 2^31
+  EXPECT_EQ(BadParametersText([&] { w.Set(m, 0, 0, -1, 1); }), set);  // negative size
+  EXPECT_EQ(BadParametersText([&] { w.Set(m, 0, 0, 2, 1); }), set);   // rows * step 2^31
+  EXPECT_EQ(BadParametersText([&] { w.SetDirectly(cell, 1, 2, big, 1); }), direct);
+  EXPECT_EQ(BadParametersText([&] { w.SetDirectly(cell, 2, 1, 1, -big - big); }), direct);
+  // Runs that each fit but add up past 32 bits.
+  const int third = INT_MAX / 3;
+  EXPECT_EQ(BadParametersText([&] { w.SetDirectly(cell, 3, 3, third, third); }), direct);
+  EXPECT_EQ(w.GetPointer(), nullptr);
+
+  // Within 32 bits the views are made, and their row and column vectors too.
+  w.SetDirectly(cell, 2, 2, big / 2, big / 2);
+  EXPECT_EQ(w.PositiveLength(), big + 1);
+  zrLineVector<double> row;
+  w.T().GetLine(row, 0);
+  EXPECT_TRUE(row.Len() == 2 && row.PositiveLength() == big && row[0] == 1);
+  w.SetDirectly(cell + 3, 2, 2, -big / 2, -big / 2);
+  EXPECT_EQ(w.NegativeLength(), -big);
 }

@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
 #include <cstring>
 #include <initializer_list>
@@ -87,6 +88,14 @@ void CheckElementType(const char* name) {
   zrLineVector<T> l = c.T();
   l[1] = Val(3, T());
   EXPECT_EQ(a[1], Val(3, T()));
+
+  // Assigned a reversed view of itself, a vector is reversed in place: its sharers see it.
+  std::vector<T> reversed = Values(a);
+  std::reverse(reversed.begin(), reversed.end());
+  zrVector<T> backwards;
+  backwards.Set(a, 5, 6, -1);
+  a = backwards;
+  EXPECT_EQ(Values(shared), reversed);
 }
 
 }  // namespace
@@ -180,4 +189,48 @@ TEST(OrientedVector, ProductsClassesAndArrays) {
   zrSimpleArray<zrColumnVector<double>> copy(points);  // copies values into new vectors
   copy[1][1] = 40;
   EXPECT_EQ(big[3], 4);
+}
+
+TEST(Vector, OverlappingSourcesAreReadBeforeTheyAreWritten) {
+  // Windows of one block with one step, either way round, and with other steps: the
+  // target gets the source's values as they stood, written into the block in place.
+  zrVector<double> v = Of({0, 1, 2, 3, 4, 5}), sharer(v), to, from;
+  to.Set(v, 2, 3);
+  from.Set(v, 0, 3);
+  to = from;
+  EXPECT_EQ(Values(sharer), (D{0, 1, 0, 1, 2, 5}));
+  from.Set(v, 0, 4);
+  to.Set(v, 1, 4);
+  from = to;  // the target behind the source
+  EXPECT_EQ(Values(v), (D{1, 0, 1, 2, 2, 5}));
+
+  v = Of({0, 1, 2, 3, 4, 5});
+  to.Set(v, 2, 3, 1);
+  from.Set(v, 0, 3, 2);  // storage 0, 2, 4 into 2, 3, 4
+  to = from;
+  EXPECT_EQ(Values(v), (D{0, 1, 0, 2, 4, 5}));
+
+  // The element-wise operations with a vector follow the same rule.
+  v = Of({1, 2, 3, 4});
+  to.Set(v, 1, 3);
+  from.Set(v, 0, 3);
+  to += from;
+  EXPECT_EQ(Values(v), (D{1, 3, 5, 7}));
+  to.Set(v, 3, 4, -1);
+  v -= to;  // against itself reversed
+  EXPECT_EQ(Values(v), (D{-6, -2, 2, 6}));
+
+  // A line and a column of one matrix.
+  zrMatrix<double> m(3, 3);
+  for (int i = 0; i < 9; ++i) m.GetPointer()[i] = i;
+  zrColumnVector<double> column, up;
+  m.GetColumn(column, 0);
+  up.Set(column, 2, 3, -m.TabInColumn());
+  column = up;
+  EXPECT_TRUE(m(0, 0) == 6 && m(1, 0) == 3 && m(2, 0) == 0);
+  zrLineVector<double> row, next;
+  m.GetLine(row, 0);
+  next.Set(row, 1, 3);  // (0, 1), (0, 2), (1, 0)
+  next = row;
+  EXPECT_TRUE(m(0, 1) == 6 && m(0, 2) == 1 && m(1, 0) == 2);
 }

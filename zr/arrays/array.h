@@ -75,6 +75,8 @@ class ZR_API zrArray : public zrSimpleArray<T> {
   zrArray Mid(int start, int count) const;
 
   /// In place, element i op= other's element i; lengths must be equal ("Different range").
+  /// other may overlap this array (a.Mid(1, 3) += a.Left(3)): it is read as it stood
+  /// before, as in the assignment.
   zrArray& operator+=(const zrArray& other);
   zrArray& operator-=(const zrArray& other);
   zrArray& operator*=(const zrArray& other);

@@ -57,7 +57,11 @@ zrArray<T> zrArray<T>::Mid(int start, int count) const {
     if (n != other.Len()) zr::detail::ThrowDifferentRange();              \
     T* const a = this->GetPointer();                                      \
     const T* const b = other.GetPointer();                                \
-    for (int i = 0; i < n; ++i) a[i] op_assign b[i];                      \
+    if (zr::detail::OverlapsAhead(a, b, n)) {                             \
+      for (int i = n - 1; i >= 0; --i) a[i] op_assign b[i];               \
+    } else {                                                              \
+      for (int i = 0; i < n; ++i) a[i] op_assign b[i];                    \
+    }                                                                     \
     return *this;                                                         \
   }                                                                       \
   template <class T>                                                      \

@@ -16,6 +16,11 @@
 /// There is no copy-on-write beyond that: Remove detaches a shared array before it edits,
 /// the others do not.
 ///
+/// A source that shares storage with the target (a window assigned to an overlapping
+/// window of the same block) gives what it would give if it were read whole before the
+/// first write: the copy runs back to front when the target starts inside the source,
+/// front to back otherwise, so it costs nothing extra and still writes in place.
+///
 /// Growth is exact: there is no spare capacity, and each length change makes a block of
 /// exactly the new length (a sole owner of trivially copyable elements may have its block
 /// resized where it lies instead of copied). A length that grows past INT_MAX (Insert,
@@ -59,7 +64,8 @@ class ZR_API zrSimpleArray : public zrPArray {
   zrSimpleArray(zrSimpleArray&& other) noexcept;
   /// An empty source empties the array. A source of another length gives the array a new
   /// block of that length; one of equal length is copied into the current elements in
-  /// place, even when they are shared or not owned: every sharer sees the new values.
+  /// place, even when they are shared or not owned: every sharer sees the new values. A
+  /// source overlapping this array is taken as it stood before the assignment.
   /// (A temporary is assigned the same way: there is no moving assignment.)
   zrSimpleArray& operator=(const zrSimpleArray& other);
   ~zrSimpleArray() override;

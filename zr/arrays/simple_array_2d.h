@@ -7,8 +7,12 @@
 /// operator= of equal totals writes in place, and a line from GetLine shares the block.
 ///
 /// Only Set, Init and operator= keep the dimensions in step with the storage; the
-/// inherited editing operations (ReSet, Insert, Remove, ...) change the length alone and
-/// leave width and height as they were.
+/// inherited editing operations (ReSet, Insert, Remove, ...) are not virtual and cannot
+/// be told about the dimensions, so they change the length alone and leave width and
+/// height as they were. The dimensions then describe more (or less) than the storage
+/// holds: GetLine checks every line against the storage as well as against the height
+/// and refuses one that does not lie wholly in it; operator() is unchecked, as always,
+/// and GetSize() is width * height, not Len().
 ///
 /// A negative dimension is refused like a negative length ("zrNewWithRef : n <= 0 "), and
 /// a total beyond the 32-bit length throws zrErrNoMemory with the byte count asked for;
@@ -59,7 +63,8 @@ class ZR_API zrSimpleArray2D : public zrSimpleArray<T> {
 
   /// Makes line view the width elements of line y and hold this array's block: writes
   /// through either reach the other, and the storage lives while the line does. y outside
-  /// 0 ... height - 1 throws "zrSimpleArray2D<T>::GetLine : out of range".
+  /// 0 ... height - 1, or a line that runs past the storage (after an edit through the
+  /// base), throws "zrSimpleArray2D<T>::GetLine : out of range".
   void GetLine(zrSimpleArray<T>& line, int y) const;
 
  private:

@@ -79,6 +79,10 @@ void zrSimpleArray2D<T>::Init(int height, int width) {
 
 template <class T>
 void zrSimpleArray2D<T>::GetLine(zrSimpleArray<T>& line, int y) const {
-  if (y < 0 || y >= height_) throw BadParameters("zrSimpleArray2D<T>::GetLine : out of range");
-  line.SetDirectly(this->GetPointer() + static_cast<std::int64_t>(width_) * y, width_, *this);
+  // The storage may have been edited through the base since the dimensions were set: the
+  // line must lie in it as well as in the dimensions.
+  const std::int64_t end = static_cast<std::int64_t>(width_) * (std::int64_t{y} + 1);
+  if (y < 0 || y >= height_ || end > this->Len())
+    throw BadParameters("zrSimpleArray2D<T>::GetLine : out of range");
+  line.SetDirectly(this->GetPointer() + (end - width_), width_, *this);
 }

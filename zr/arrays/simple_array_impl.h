@@ -17,11 +17,31 @@
 
 namespace zr::detail {
 
-// Copies n elements front to back (windows of one block may overlap; the copy then runs
-// in index order).
+// Copies n elements front to back (used where to never lies past from in a block).
 template <class T>
 void CopyForward(T* to, const T* from, int n) {
   for (int i = 0; i < n; ++i) to[i] = from[i];
+}
+
+// Whether `to` lies inside (from, from + n): a front-to-back walk over n elements from
+// both would then write elements of `from` that it has still to read, and the walk goes
+// back to front instead. Compared as addresses, since the two need not lie in one block.
+template <class T>
+bool OverlapsAhead(const T* to, const T* from, int n) {
+  const auto t = reinterpret_cast<std::uintptr_t>(to);
+  const auto f = reinterpret_cast<std::uintptr_t>(from);
+  return t > f && t - f < static_cast<std::uint64_t>(n) * sizeof(T);
+}
+
+// Copies n elements with the result of reading all of `from` first, whatever the two
+// share: back to front when `to` lies ahead of `from` in one run, else front to back.
+template <class T>
+void CopyOverlapping(T* to, const T* from, int n) {
+  if (OverlapsAhead(to, from, n)) {
+    for (int i = n - 1; i >= 0; --i) to[i] = from[i];
+  } else {
+    CopyForward(to, from, n);
+  }
 }
 
 // Copies n elements that cannot overlap.
@@ -162,7 +182,7 @@ zrSimpleArray<T>& zrSimpleArray<T>::operator=(const zrSimpleArray& other) {
     zr::detail::CopyDisjoint(p_, other.p_, n_);
     return *this;
   }
-  zr::detail::CopyForward(p_, other.p_, n_);
+  zr::detail::CopyOverlapping(p_, other.p_, n_);
   return *this;
 }
 

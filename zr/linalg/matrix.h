@@ -12,6 +12,13 @@
 ///     position) and GetLine/GetColumn views share the block and move no element;
 ///   - operator= copies VALUES: with equal sizes into the current elements in place (every
 ///     sharer sees them), row by row; another size re-creates this matrix first (Set);
+///   - a source that shares storage with the target gives what it would give if it were
+///     read whole before the first write, in operator= and in += and -= with a matrix:
+///     m = m.T() transposes a square m in place (a non-square one gets fresh storage of
+///     the transposed size, leaving its old sharers the old values), and a window
+///     assigned to an overlapping window of one block moves the values as they were. Only
+///     a source whose span meets the target's, and is not the very same view, is read
+///     into a private copy first; everything else is copied straight in place;
 ///   - Copy() leaves a private copy stored by rows; the compound operators, Fill and SetE
 ///     work in place;
 ///   - every other result (binary operators, products, Inverse) is a new matrix stored by
@@ -103,8 +110,8 @@ class ZR_API zrMatrix : public zrPArray {
   zrMatrix(int rows, int cols);
   /// SHARES the source's elements: same block (counted), first element, steps, lengths.
   zrMatrix(const zrMatrix& other);
-  /// Copies values (see the top of this file); returns this matrix. Overlapping views of
-  /// one block are copied row by row as the source stands at each step.
+  /// Copies values (see the top of this file); returns this matrix. A source overlapping
+  /// this matrix (m = m.T(), say) is taken as it stood before the assignment.
   zrMatrix& operator=(const zrMatrix& other);
   ~zrMatrix() override;
 
@@ -124,9 +131,13 @@ class ZR_API zrMatrix : public zrPArray {
   /// Set(rows, cols) only when a size differs; otherwise contents and sharing stay.
   void Init(int rows, int cols);
   /// A sub-matrix view: first element src(row, col), rows x cols, src's steps; holds src's
-  /// block. The range is not checked.
+  /// block. The range is not checked against src, but the view must fit 32-bit extents:
+  /// a negative size, an offset row * TabInColumn() + col * TabInLine(), a row or column
+  /// run (cols * step in line, rows * step in column) or a reach of the view outside the
+  /// 32-bit range throws "zrMatrix<T>::Set : out of range." and changes nothing.
   void Set(const zrMatrix& src, int row, int col, int rows, int cols);
-  /// Releases the block and views outside storage, owning nothing.
+  /// Releases the block and views outside storage, owning nothing. The view must fit
+  /// 32-bit extents as for Set above, else "zrMatrix<T>::SetDirectly : out of range.".
   void SetDirectly(TT* data, int rows, int cols, int stepInLine, int stepInColumn);
   /// As zrVector<TT>::SetMem: release the current block, count the new one.
   void SetMem(void* const block) override;
@@ -167,6 +178,7 @@ class ZR_API zrMatrix : public zrPArray {
   zrMatrix operator-() const;
 
   /// In place, element by element, row by row; lenient about sizes (top of this file).
+  /// other may overlap this matrix (m += m.T()): it is read as it stood before.
   zrMatrix& operator+=(const zrMatrix& other);
   zrMatrix& operator-=(const zrMatrix& other);
   /// New matrices; sizes must be equal ("different size.").

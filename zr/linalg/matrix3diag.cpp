@@ -181,20 +181,48 @@ zrMatrix3Diag<TT>::zrMatrix3Diag(int n) {
   Set(n);
 }
 
+namespace {
+
+// Refuses diagonal lengths that do not make a tridiagonal matrix: Up and Down must have
+// n - 1 elements for a Diag of n, none for n <= 1 (the rule of the checked flat reader).
+void CheckLengths(int up, int diag, int down) {
+  const int side = diag > 1 ? diag - 1 : 0;
+  if (up != side || down != side)
+    throw BadParameters("zrMatrix3Diag: diagonals of inconsistent lengths");
+}
+
+// up, once the three lengths are known to fit: the constructor checks before it shares.
+template <class TT>
+const zrVector<TT>& CheckedUp(const zrVector<TT>& up, const zrVector<TT>& diag,
+                              const zrVector<TT>& down) {
+  CheckLengths(up.Len(), diag.Len(), down.Len());
+  return up;
+}
+
+}  // namespace
+
 template <class TT>
 zrMatrix3Diag<TT>::zrMatrix3Diag(const zrVector<TT>& up, const zrVector<TT>& diag,
                                  const zrVector<TT>& down)
-    : up_(up), diag_(diag), down_(down) {}
+    : up_(CheckedUp(up, diag, down)), diag_(diag), down_(down) {}
+
+template <class TT>
+void zrMatrix3Diag<TT>::CheckBands() const {
+  CheckLengths(up_.Len(), diag_.Len(), down_.Len());
+}
 
 template <class TT>
 zrMatrix3Diag<TT>::zrMatrix3Diag(const zrMatrix<TT>& m) {
   const int n = m.ColumnLen() < m.LineLen() ? m.ColumnLen() : m.LineLen();
   if (n < 1) return;
-  const int step = m.TabInLine() + m.TabInColumn();
-  diag_.SetDirectly(&m(0, 0), n, step, m);
+  // The matrix keeps its own runs within 32 bits; the diagonal's may leave them.
+  const std::int64_t step = std::int64_t{m.TabInLine()} + m.TabInColumn();
+  if (!zr::detail::Fits32(step) || !zr::detail::Fits32(step * n))
+    throw BadParameters("zrMatrix3Diag: out of range");
+  diag_.SetDirectly(&m(0, 0), n, static_cast<int>(step), m);
   if (n < 2) return;
-  up_.SetDirectly(&m(0, 1), n - 1, step, m);
-  down_.SetDirectly(&m(1, 0), n - 1, step, m);
+  up_.SetDirectly(&m(0, 1), n - 1, static_cast<int>(step), m);
+  down_.SetDirectly(&m(1, 0), n - 1, static_cast<int>(step), m);
 }
 
 template <class TT>
@@ -375,6 +403,8 @@ zrMatrix<TT> zrMatrix3Diag<TT>::operator-(const zrMatrix<TT>& m) const {
 
 template <class TT>
 zrMatrix<TT> zrMatrix3Diag<TT>::operator*(const zrMatrix3Diag& b) const {
+  CheckBands();
+  b.CheckBands();
   const int n = LineLen();
   if (b.LineLen() != n) throw BadParameters("different size.");
   zrMatrix<TT> r(n, n);
@@ -402,6 +432,7 @@ zrMatrix<TT> zrMatrix3Diag<TT>::operator*(const zrMatrix3Diag& b) const {
 
 template <class TT>
 zrMatrix<TT> zrMatrix3Diag<TT>::operator*(const zrMatrix<TT>& m) const {
+  CheckBands();
   const int n = LineLen();
   if (m.ColumnLen() != n) throw BadParameters("different size.");
   const int cols = m.LineLen();
@@ -419,6 +450,7 @@ zrMatrix<TT> zrMatrix3Diag<TT>::operator*(const zrMatrix<TT>& m) const {
 
 template <class TT>
 zrColumnVector<TT> zrMatrix3Diag<TT>::operator*(const zrColumnVector<TT>& x) const {
+  CheckBands();
   const int n = LineLen();
   if (x.Len() != n) throw BadParameters("different length.");
   zrColumnVector<TT> r(n);
@@ -438,6 +470,7 @@ zrMatrix3Diag<TT> zrMatrix3Diag<TT>::T() const {
 
 template <class TT>
 zrMatrix<TT> zrMatrix3Diag<TT>::GetMatrix() const {
+  CheckBands();
   const int n = LineLen();
   zrMatrix<TT> r(n, n);
   if (n == 0) return r;
@@ -496,6 +529,7 @@ TT* zrMatrix3Diag<TT>::Scratch(int n) const {
 template <class TT>
 void zrMatrix3Diag<TT>::SolveEquationChaserMethod(zrColumnVector<TT>& x,
                                                   const zrColumnVector<TT>& b) const {
+  CheckBands();
   const int n = LineLen();
   if (b.Len() != n) throw BadParameters("different size.");
   // beta goes into x unless x may overlap the matrix (a new x never does). The scratch is
@@ -511,6 +545,7 @@ void zrMatrix3Diag<TT>::SolveEquationChaserMethod(zrColumnVector<TT>& x,
 
 template <class TT>
 void zrMatrix3Diag<TT>::SolveEquationChaserMethod(zrMatrix<TT>& X, const zrMatrix<TT>& B) const {
+  CheckBands();
   const int n = LineLen();
   const int cols = B.LineLen();
   if (cols > 0 && B.ColumnLen() != n) throw BadParameters("different size.");
@@ -546,6 +581,7 @@ template <class TT>
 void zrMatrix3Diag<TT>::SolveEquationCycleChaserMethod(zrColumnVector<TT>& x,
                                                        const zrColumnVector<TT>& b, const TT& top,
                                                        const TT& bottom) const {
+  CheckBands();
   const int n = LineLen();
   if (n < 3 || b.Len() != n) throw BadParameters("different size.");
   const TT t = top, bt = bottom;  // read before x is written: they may be its elements
@@ -588,6 +624,7 @@ void zrMatrix3Diag<TT>::SolveEquationFactorizeMethod(const zrVector<TT>& up2,
                                                      const zrVector<TT>& down2,
                                                      zrColumnVector<TT>& x,
                                                      const zrColumnVector<TT>& b) const {
+  CheckBands();
   const int n = LineLen();
   if (b.Len() != n) throw BadParameters("different size.");
   if (n < 3) throw BadParameters("invalid size : size < 3.");
@@ -606,6 +643,7 @@ void zrMatrix3Diag<TT>::SolveEquationCycleFactorizeMethod(const zrVector<TT>& up
                                                           const TT& an20, const TT& an10,
                                                           const TT& an11, zrColumnVector<TT>& x,
                                                           const zrColumnVector<TT>& b) const {
+  CheckBands();
   const int n = LineLen();
   if (n < 3 || b.Len() != n) throw BadParameters("different size.");
   if (up2.Len() < n - 2 || down2.Len() < n - 2) throw BadParameters("different size.");

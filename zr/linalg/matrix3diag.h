@@ -15,6 +15,15 @@
 /// view); Copy() makes every diagonal private. Arithmetic that returns a new matrix
 /// gives fresh storage.
 ///
+/// The diagonals' lengths must agree: Up and Down have n - 1 elements for a Diag of n (none
+/// for n <= 1). The constructor from three vectors (and so T()) refuses other lengths with
+/// "zrMatrix3Diag: diagonals of inconsistent lengths" before it shares anything. The
+/// diagonals can still be edited through Up(), Diag() and Down(), and FromMem takes the
+/// lengths as they come, so every operation that walks the band by n (the solvers, the
+/// products, GetMatrix and the dense + and -) checks them again first and throws the same
+/// text, changing nothing; the diagonal-by-diagonal operations need no check, since the
+/// vectors compare their own lengths.
+///
 /// The solvers never change the matrix's values. They keep their work space with the
 /// matrix (it grows to the largest system solved and is freed with the matrix; copies do
 /// not take it), so one matrix must not solve in two threads at once. They do no
@@ -42,13 +51,14 @@ class ZR_API zrMatrix3Diag : public zrUsingNew {
   /// n uninitialised diagonal elements and n - 1 on each side (none for n <= 1).
   explicit zrMatrix3Diag(int n);
   /// Each diagonal copy-constructed from its argument, so sharing the argument's storage.
-  /// The lengths are taken as they come; a well-formed matrix has up and down one
-  /// element shorter than diag.
+  /// up and down must have one element less than diag (none for a diag of one element or
+  /// none), else "zrMatrix3Diag: diagonals of inconsistent lengths" and nothing is shared.
   zrMatrix3Diag(const zrVector<TT>& up, const zrVector<TT>& diag, const zrVector<TT>& down);
   /// A view onto the band of a dense matrix: with n = min(rows, cols) and the diagonal
   /// step = step in line + step in column, Diag starts at m(0,0) with n elements, Up at
   /// m(0,1) and Down at m(1,0) with n - 1 each. The diagonals hold m's block (when it has
-  /// one), so writes reach m and the storage lives as long as the view.
+  /// one), so writes reach m and the storage lives as long as the view. A diagonal step
+  /// or extent n * step beyond 32 bits throws "zrMatrix3Diag: out of range".
   explicit zrMatrix3Diag(const zrMatrix<TT>& m);
   /// Shares every diagonal.
   zrMatrix3Diag(const zrMatrix3Diag& other);
@@ -212,6 +222,9 @@ class ZR_API zrMatrix3Diag : public zrUsingNew {
  private:
   // A deep copy with fresh storage.
   zrMatrix3Diag Fresh() const;
+  // Refuses diagonals whose lengths do not make a tridiagonal matrix (see the top of this
+  // file).
+  void CheckBands() const;
   // The solvers' work space, at least n elements: it grows only and lives as long as the
   // matrix, so repeated solves take no memory.
   TT* Scratch(int n) const;

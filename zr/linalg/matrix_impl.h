@@ -115,6 +115,61 @@ bool AnyZeroDiagonal(TT** rows, int n, int step) {
   return false;
 }
 
+// Whether a rows x cols view with steps a (in line) and c (in column) fits the 32-bit
+// extents: neither size negative, the row and column runs cols * a and rows * c (the
+// lengths of the vectors GetLine and GetColumn hand out) and the view's extents beyond
+// its first element, offset by `offset` elements, all within 32 bits.
+inline bool MatrixFits(std::int64_t offset, int rows, int cols, int a, int c) {
+  if (rows < 0 || cols < 0 || !Fits32(offset)) return false;
+  if (!RunFits(cols, a) || !RunFits(rows, c)) return false;
+  if (rows == 0 || cols == 0) return true;
+  const std::int64_t along = static_cast<std::int64_t>(cols - 1) * a;
+  const std::int64_t down = static_cast<std::int64_t>(rows - 1) * c;
+  const std::int64_t low = (along < 0 ? along : 0) + (down < 0 ? down : 0);
+  const std::int64_t high = (along > 0 ? along : 0) + (down > 0 ? down : 0) + 1;
+  return Fits32(offset + low) && Fits32(offset + high);
+}
+
+// Whether two views of equal size may share an element: the bytes they span meet.
+template <class TT>
+bool ViewsMeet(const zrMatrix<TT>& x, const zrMatrix<TT>& y) {
+  const auto span = [](const zrMatrix<TT>& m, std::uintptr_t& lo, std::uintptr_t& hi) {
+    const std::int64_t along = static_cast<std::int64_t>(m.LineLen() - 1) * m.TabInLine();
+    const std::int64_t down = static_cast<std::int64_t>(m.ColumnLen() - 1) * m.TabInColumn();
+    lo = AddressOf(m.GetPointer(), (along < 0 ? along : 0) + (down < 0 ? down : 0));
+    hi = AddressOf(m.GetPointer(), (along > 0 ? along : 0) + (down > 0 ? down : 0)) + sizeof(TT);
+  };
+  std::uintptr_t xlo = 0, xhi = 0, ylo = 0, yhi = 0;
+  span(x, xlo, xhi);
+  span(y, ylo, yhi);
+  return xlo < yhi && ylo < xhi;
+}
+
+// f(t(i, j), s(i, j)) for every element, row by row, of two views of one size, with the
+// result of reading the whole of s first: a source that overlaps the target otherwise
+// than element for element (m = m.T(), a shifted window of one block) is read into a
+// private copy before the first write. Views apart, and a view that is its own source,
+// are walked in place.
+template <class TT, class F>
+void ElementWise(zrMatrix<TT>& t, const zrMatrix<TT>& s, F f) {
+  const int rows = t.ColumnLen();
+  const int cols = t.LineLen();
+  if (rows < 1 || cols < 1) return;
+  const bool same = t.GetPointer() == s.GetPointer() && t.TabInLine() == s.TabInLine() &&
+                    t.TabInColumn() == s.TabInColumn();
+  if (!same && ViewsMeet(t, s)) {
+    zrMatrix<TT> copy(rows, cols);
+    for (int i = 0; i < rows; ++i) {
+      for (int j = 0; j < cols; ++j) copy(i, j) = s(i, j);
+    }
+    ElementWise(t, copy, f);
+    return;
+  }
+  for (int i = 0; i < rows; ++i) {
+    for (int j = 0; j < cols; ++j) f(t(i, j), s(i, j));
+  }
+}
+
 }  // namespace zr::detail
 
 ZR_DEFINE_TYPE_IDENTITY_WITH(template <class TT>, zrMatrix<TT>, "zrMatrix")
@@ -141,9 +196,7 @@ zrMatrix<TT>& zrMatrix<TT>::operator=(const zrMatrix& other) {
   if (&other == this) return *this;
   // other holds its own count of its block, so releasing ours cannot free its elements.
   if (rows_ != other.rows_ || cols_ != other.cols_) Set(other.rows_, other.cols_);
-  for (int i = 0; i < rows_; ++i) {
-    for (int j = 0; j < cols_; ++j) (*this)(i, j) = other(i, j);
-  }
+  zr::detail::ElementWise(*this, other, [](TT& a, const TT& b) { a = b; });
   return *this;
 }
 
@@ -185,9 +238,13 @@ void zrMatrix<TT>::Init(int rows, int cols) {
 
 template <class TT>
 void zrMatrix<TT>::Set(const zrMatrix& src, int row, int col, int rows, int cols) {
-  TT* const first = &src(row, col);
   const int a = src.step_line_;
   const int c = src.step_column_;
+  const std::int64_t offset =
+      static_cast<std::int64_t>(row) * c + static_cast<std::int64_t>(col) * a;
+  if (!zr::detail::MatrixFits(offset, rows, cols, a, c))
+    throw BadParameters("zrMatrix<T>::Set : out of range.");
+  TT* const first = src.p_ + offset;
   SetMem(src.GetMem());
   p_ = first;
   step_line_ = a;
@@ -198,6 +255,8 @@ void zrMatrix<TT>::Set(const zrMatrix& src, int row, int col, int rows, int cols
 
 template <class TT>
 void zrMatrix<TT>::SetDirectly(TT* data, int rows, int cols, int stepInLine, int stepInColumn) {
+  if (!zr::detail::MatrixFits(0, rows, cols, stepInLine, stepInColumn))
+    throw BadParameters("zrMatrix<T>::SetDirectly : out of range.");
   SetMem(nullptr);
   p_ = data;
   step_line_ = stepInLine;
@@ -333,9 +392,7 @@ zrMatrix<TT>& zrMatrix<TT>::operator+=(const zrMatrix& other) {
     Set(other.rows_, other.cols_);
     Fill(TT{});
   }
-  for (int i = 0; i < rows_; ++i) {
-    for (int j = 0; j < cols_; ++j) (*this)(i, j) = (*this)(i, j) + other(i, j);
-  }
+  zr::detail::ElementWise(*this, other, [](TT& a, const TT& b) { a = a + b; });
   return *this;
 }
 
@@ -345,9 +402,7 @@ zrMatrix<TT>& zrMatrix<TT>::operator-=(const zrMatrix& other) {
     Set(other.rows_, other.cols_);
     Fill(TT{});
   }
-  for (int i = 0; i < rows_; ++i) {
-    for (int j = 0; j < cols_; ++j) (*this)(i, j) = (*this)(i, j) - other(i, j);
-  }
+  zr::detail::ElementWise(*this, other, [](TT& a, const TT& b) { a = a - b; });
   return *this;
 }
 

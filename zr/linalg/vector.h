@@ -14,6 +14,13 @@
 ///   - operator= copies VALUES: with equal lengths it writes into the current elements in
 ///     place, so every sharer of this vector's block sees the new values; with another
 ///     length it first takes fresh storage (Set) of the source's length;
+///   - a source that shares storage with the target (a window of the same block, a
+///     reversed or otherwise strided view of it) gives what it would give if it were read
+///     whole before the first write, in operator= and in every operation that combines a
+///     vector with another element by element (+=, -=, Mul, Div, Min, Max). Only such
+///     a source costs anything: overlapping runs with one step are walked in the order
+///     that reads each element before it is overwritten, other overlaps are read into a
+///     private copy first, and everything else is copied straight in place;
 ///   - Copy(), ReSet() to another length and every length-changing edit (Remove, Insert,
 ///     push_back, Concat, ...) leave the vector sole owner of a fresh contiguous block with
 ///     step 1; the vectors that shared its old block keep it;
@@ -45,8 +52,13 @@
 /// 0 ... length, "zrVector<T>::Left: Out of Range" (Right, Mid likewise) for a bad
 /// window, "zrNewWithRef : n <= 0 " for a negative size. Nothing is changed when they are
 /// thrown. An edit that would grow the length past INT_MAX (insert, push_back, Concat)
-/// throws zrErrNoMemory with the byte count of that block and changes nothing either. Element
-/// access, Set with a range and the scalar operators check nothing.
+/// throws zrErrNoMemory with the byte count of that block and changes nothing either.
+/// A view's offsets and extents are 32-bit: Set with a range refuses a negative length, and
+/// an offset start * src's step, an extent length * step or their sum outside the 32-bit
+/// range, with "zrVector<T>::Set : out of range."; SetDirectly refuses a negative length
+/// or an extent length * step outside that range with "zrVector<T>::SetDirectly : out of
+/// range.". Beyond that, element access, the windows of Set and SetDirectly and the scalar
+/// operators check nothing (a window of Set may lie outside src's elements).
 ///
 /// Flat form: the length as a signed 32-bit little-endian integer, then the elements in
 /// index order, packed, each in its raw form (8, 16 or 24 bytes): 4 + n * sizeof(T)
@@ -88,8 +100,9 @@ class ZR_API zrVector : public zrPArray {
 
   /// The five operations this class appends to zrPArray's, in this order:
   /// Copies values. Equal lengths: written into the current elements in place (every
-  /// sharer sees them), in index order, read through other's step (an overlapping source
-  /// is read as it stands at each step). Another length: Set(other length) first.
+  /// sharer sees them), read through other's step; a source that overlaps this vector
+  /// (v = a reversed view of v, say) is taken as it stood before the assignment. Another
+  /// length: Set(other length) first.
   virtual zrVector& operator=(const zrVector& other);
   /// Sets every element (value may be an element of this vector).
   virtual void Fill(const T& value);
@@ -128,7 +141,9 @@ class ZR_API zrVector : public zrPArray {
   void ReSet(int n);
   void resize(int n) { ReSet(n); }
   /// A window onto src: first element src[start], length len, src's step; holds src's
-  /// block. The range is not checked (Left, Right and Mid check theirs).
+  /// block. The range is not checked against src (Left, Right and Mid check theirs), but
+  /// a negative len and offsets or extents beyond 32 bits throw "zrVector<T>::Set : out of
+  /// range." and change nothing.
   void Set(const zrVector& src, int start, int len);
   void SetSubWindow(const zrVector& src, int start, int len) { Set(src, start, len); }
   /// The same with the given step, taken as it stands in elements of the storage: it is
@@ -136,7 +151,8 @@ class ZR_API zrVector : public zrPArray {
   /// positions 3, 5, 7 from src's first element).
   void Set(const zrVector& src, int start, int len, int step);
   /// Releases the block and views len elements at data with the given step, owning
-  /// nothing (IsExternShared() is then 1).
+  /// nothing (IsExternShared() is then 1). A negative len, or len * step beyond 32 bits,
+  /// throws "zrVector<T>::SetDirectly : out of range." (both forms) and changes nothing.
   void SetDirectly(T* data, int len, int step);
   /// Views len elements at data with the given step and holds holder's block (counted;
   /// none when holder has none), releasing its own: the view keeps that block alive and
@@ -202,7 +218,8 @@ class ZR_API zrVector : public zrPArray {
   zrVector& operator-=(const T& value);
   zrVector& operator*=(const T& value);
   zrVector& operator/=(const T& value);
-  /// Element by element with a vector of the same length ("different length.").
+  /// Element by element with a vector of the same length ("different length."); other may
+  /// overlap this vector (read as it stood before, see the top of this file).
   zrVector& operator+=(const zrVector& other);
   zrVector& operator-=(const zrVector& other);
   /// element i = element i * other's i (the element's binary product).
@@ -255,6 +272,16 @@ class ZR_API zrVector : public zrPArray {
 ZR_LINALG_TYPES(ZR_DETAIL_EXTERN_VECTOR)
 
 namespace zr::detail {
+// Whether an offset or extent in elements, computed in 64 bits, fits the 32-bit lengths
+// and steps of the views.
+inline bool Fits32(std::int64_t v) { return v >= INT32_MIN && v <= INT32_MAX; }
+
+// Whether n elements with the given step make a view: n is not negative and the extent
+// n * step (a vector's positive or negative length) stays in 32 bits.
+inline bool RunFits(int n, int step) {
+  return n >= 0 && Fits32(static_cast<std::int64_t>(n) * step);
+}
+
 // The walk of the checked reader (zr/core/serialize.h): a length below 1 is the empty
 // vector's and stands alone; otherwise that many elements of the element's fixed form.
 // It serves the row and column vectors and the polynomial too.

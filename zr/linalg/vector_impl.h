@@ -61,6 +61,62 @@ inline void ScaleSubtract(zrTVec3<double>& target, const zrTVec3<double>& inv,
   }
 }
 
+// The address of element `index` of a run from p with the given step, as a number: the
+// overlap tests compare runs that need not lie in one object.
+template <class T>
+std::uintptr_t AddressOf(const T* p, std::int64_t index) {
+  const std::int64_t bytes = index * static_cast<std::int64_t>(sizeof(T));
+  return reinterpret_cast<std::uintptr_t>(p) + static_cast<std::uintptr_t>(bytes);
+}
+
+// The bytes [lo, hi) that a run of n >= 1 elements from p with the given step touches.
+template <class T>
+void RunSpan(const T* p, int n, int step, std::uintptr_t& lo, std::uintptr_t& hi) {
+  const std::int64_t last = static_cast<std::int64_t>(n - 1) * step;
+  lo = AddressOf(p, last < 0 ? last : 0);
+  hi = AddressOf(p, last > 0 ? last : 0) + sizeof(T);
+}
+
+// Whether two runs of n >= 1 elements may share an element (their spans meet; runs that
+// interleave without touching count too, which only costs a copy).
+template <class T>
+bool RunsMeet(const T* a, int sa, const T* b, int sb, int n) {
+  std::uintptr_t alo = 0, ahi = 0, blo = 0, bhi = 0;
+  RunSpan(a, n, sa, alo, ahi);
+  RunSpan(b, n, sb, blo, bhi);
+  return alo < bhi && blo < ahi;
+}
+
+// f(target[i], source[i]) for i = 0 ... n - 1 over two strided runs, with the result the
+// walk would have if the whole source were read first, whatever storage the two share.
+// Runs apart from each other, and a run that is its own source element by element, are
+// walked forwards as they stand; runs with one step walk in the direction that reads
+// each source element before it is written; any other overlap (another step, a reversed
+// view, a transposed one) reads the source into a private copy first.
+template <class T, class F>
+void ElementWise(T* t, int ts, const T* s, int ss, int n, F f) {
+  if (n < 1) return;
+  bool backward = false;
+  if (RunsMeet(t, ts, s, ss, n) && !(t == s && ts == ss)) {
+    if (ts != ss || ts == 0) {
+      zrVector<T> copy(n);
+      for (int i = 0; i < n; ++i) copy[i] = s[static_cast<std::int64_t>(i) * ss];
+      ElementWise(t, ts, copy.GetPointer(), 1, n, f);
+      return;
+    }
+    // Target i overwrites source i + (t - s) / step, still to be read walking forwards
+    // when that index is later.
+    backward = (AddressOf(t, 0) > AddressOf(s, 0)) == (ts > 0);
+  }
+  if (backward) {
+    for (int i = n - 1; i >= 0; --i)
+      f(t[static_cast<std::int64_t>(i) * ts], s[static_cast<std::int64_t>(i) * ss]);
+  } else {
+    for (int i = 0; i < n; ++i)
+      f(t[static_cast<std::int64_t>(i) * ts], s[static_cast<std::int64_t>(i) * ss]);
+  }
+}
+
 }  // namespace zr::detail
 
 ZR_DEFINE_TYPE_IDENTITY_WITH(template <class T>, zrVector<T>, "zrVector")
@@ -96,7 +152,7 @@ zrVector<T>& zrVector<T>::operator=(const zrVector& other) {
     // other holds its own count of its block, so releasing ours cannot free its elements.
     Set(other.n_);
   }
-  for (int i = 0; i < n_; ++i) (*this)[i] = other[i];
+  zr::detail::ElementWise(p_, step_, other.p_, other.step_, n_, [](T& a, const T& b) { a = b; });
   return *this;
 }
 
@@ -169,7 +225,11 @@ void zrVector<T>::Set(const zrVector& src, int start, int len) {
 
 template <class T>
 void zrVector<T>::Set(const zrVector& src, int start, int len, int step) {
-  T* const first = &src[start];
+  const std::int64_t offset = static_cast<std::int64_t>(start) * src.step_;
+  if (!zr::detail::Fits32(offset) || !zr::detail::RunFits(len, step) ||
+      !zr::detail::Fits32(offset + static_cast<std::int64_t>(len) * step))
+    throw BadParameters("zrVector<T>::Set : out of range.");
+  T* const first = src.p_ + offset;
   SetMem(src.GetMem());
   p_ = first;
   n_ = len;
@@ -178,6 +238,8 @@ void zrVector<T>::Set(const zrVector& src, int start, int len, int step) {
 
 template <class T>
 void zrVector<T>::SetDirectly(T* data, int len, int step) {
+  if (!zr::detail::RunFits(len, step))
+    throw BadParameters("zrVector<T>::SetDirectly : out of range.");
   SetMem(nullptr);
   p_ = data;
   n_ = len;
@@ -186,6 +248,8 @@ void zrVector<T>::SetDirectly(T* data, int len, int step) {
 
 template <class T>
 void zrVector<T>::SetDirectly(T* data, int len, int step, const zrPArray& holder) {
+  if (!zr::detail::RunFits(len, step))
+    throw BadParameters("zrVector<T>::SetDirectly : out of range.");
   SetMem(holder.GetMem());
   p_ = data;
   n_ = len;
@@ -351,46 +415,50 @@ zrVector<T>& zrVector<T>::operator/=(const T& value) {
 template <class T>
 zrVector<T>& zrVector<T>::operator+=(const zrVector& other) {
   CheckLength(other);
-  for (int i = 0; i < n_; ++i) (*this)[i] = (*this)[i] + other[i];
+  zr::detail::ElementWise(p_, step_, other.p_, other.step_, n_,
+                          [](T& a, const T& b) { a = a + b; });
   return *this;
 }
 
 template <class T>
 zrVector<T>& zrVector<T>::operator-=(const zrVector& other) {
   CheckLength(other);
-  for (int i = 0; i < n_; ++i) (*this)[i] = (*this)[i] - other[i];
+  zr::detail::ElementWise(p_, step_, other.p_, other.step_, n_,
+                          [](T& a, const T& b) { a = a - b; });
   return *this;
 }
 
 template <class T>
 zrVector<T>& zrVector<T>::Mul(const zrVector& other) {
   CheckLength(other);
-  for (int i = 0; i < n_; ++i) (*this)[i] = (*this)[i] * other[i];
+  zr::detail::ElementWise(p_, step_, other.p_, other.step_, n_,
+                          [](T& a, const T& b) { a = a * b; });
   return *this;
 }
 
 template <class T>
 zrVector<T>& zrVector<T>::Div(const zrVector& other) {
   CheckLength(other);
-  for (int i = 0; i < n_; ++i) (*this)[i] = (*this)[i] / other[i];
+  zr::detail::ElementWise(p_, step_, other.p_, other.step_, n_,
+                          [](T& a, const T& b) { a = a / b; });
   return *this;
 }
 
 template <class T>
 zrVector<T>& zrVector<T>::Min(const zrVector& other) {
   CheckLength(other);
-  for (int i = 0; i < n_; ++i) {
-    if ((*this)[i] > other[i]) (*this)[i] = other[i];
-  }
+  zr::detail::ElementWise(p_, step_, other.p_, other.step_, n_, [](T& a, const T& b) {
+    if (a > b) a = b;
+  });
   return *this;
 }
 
 template <class T>
 zrVector<T>& zrVector<T>::Max(const zrVector& other) {
   CheckLength(other);
-  for (int i = 0; i < n_; ++i) {
-    if (other[i] > (*this)[i]) (*this)[i] = other[i];
-  }
+  zr::detail::ElementWise(p_, step_, other.p_, other.step_, n_, [](T& a, const T& b) {
+    if (b > a) a = b;
+  });
   return *this;
 }
 
@@ -408,14 +476,15 @@ T zrVector<T>::Norm() const {
   return zr::detail::NormRoot(ScalarMul(*this));
 }
 
+// The window set-ups keep both within 32 bits; they are taken in 64 bits all the same.
 template <class T>
 int zrVector<T>::PositiveLength() const {
-  return step_ >= 0 ? n_ * step_ : 0;
+  return step_ >= 0 ? static_cast<int>(static_cast<std::int64_t>(n_) * step_) : 0;
 }
 
 template <class T>
 int zrVector<T>::NegativeLength() const {
-  return step_ < 0 ? (n_ - 1) * step_ : 0;
+  return step_ < 0 ? static_cast<int>(static_cast<std::int64_t>(n_ - 1) * step_) : 0;
 }
 
 template <class T>
