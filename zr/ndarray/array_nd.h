@@ -65,6 +65,7 @@
 /// may instantiate it for a type of its own by including zr/ndarray/array_nd_impl.h.
 #pragma once
 
+#include <cstdint>
 #include <iterator>
 
 #include "zr/arrays/arrays.h"
@@ -90,10 +91,10 @@ class ZR_API zrArrayND : public zrArrayNDAbs {
   // the elements left on its line, the sizes, the carry increments, the step along a line
   // and the contiguity flag. Each step adds the step and counts down the line; at a
   // line's end a non-contiguous walk carries (a contiguous one is a single line). end() stands at
-  // GetPointer() + GetEndPos(), where the walk leaves the pointer; since with a flipped axis that
-  // address can be an element's own (a 3 x 2 array flipped along dimension 0 has EndPos 0), a
-  // non-contiguous walk also marks its end, and iterators compare equal when both address and mark
-  // agree. Changing the array's geometry or storage invalidates them.
+  // GetPointer() + GetEndPos(), where the walk leaves the pointer; since that address can be an
+  // element's own (a 3 x 2 array flipped along dimension 0 has EndPos 0, a step of 0 leaves the
+  // pointer where it was), every walk also marks its end, and iterators compare equal when both
+  // address and mark agree. Changing the array's geometry or storage invalidates them.
   template <class E>
   class Iter : public zrArrayNDAbs::Index {
    public:
@@ -129,7 +130,7 @@ class ZR_API zrArrayND : public zrArrayNDAbs {
       if (a.GetSize() == 0) return;  // begin == end
       if (atEnd) {
         cur_ += a.GetEndPos();
-        done_ = !con_;
+        done_ = true;
       } else if (!con_) {
         this->Set(&a, false);
         range_ = this->SharedRange();
@@ -143,7 +144,10 @@ class ZR_API zrArrayND : public zrArrayNDAbs {
     // last. A contiguous walk is a single line. Written out here: a call in the element
     // loop would keep the caller's own values out of the registers a call clobbers.
     void NextLine() {
-      if (con_) return;
+      if (con_) {
+        done_ = true;
+        return;
+      }
       int* const c = this->GetPointer();
       const int n = this->Len();
       for (int k = 1; k < n; ++k) {
@@ -163,7 +167,7 @@ class ZR_API zrArrayND : public zrArrayNDAbs {
     const int* for_tab_;
     int step_;
     bool con_;
-    bool done_ = false;  // a non-contiguous walk has run out
+    bool done_ = false;  // the walk has run out
   };
 
  public:
@@ -291,7 +295,9 @@ class ZR_API zrArrayND : public zrArrayNDAbs {
  private:
   // Commits a view: geometry, origin and a share of holder's block, checked before
   // anything of this array changes.
-  void View(const zrPArray& holder, T* origin, const zrArray<int>& range, const zrArray<int>& tab);
+  // The origin lies offset elements from base.
+  void View(const zrPArray& holder, const T* base, std::int64_t offset, const zrArray<int>& range,
+            const zrArray<int>& tab);
   template <class F>
   void Each(F f);
   template <zr::detail::NDOp op, class F>
