@@ -13,8 +13,10 @@
 ///   - Set, Init with other sizes and FromMem with other sizes make a new private block;
 ///   - the views (the three-source Set forms, SetSubWindow, Flip, SwapAxis, Rotate90,
 ///     Rotate180, ReduceDimArrayND, GetReduceDimArrayND) and Move share the block and
-///     copy nothing; each view is checked to lie within the block and otherwise throws
-///     "CheckPointer : Invalid pointer or range." with the array left as it was;
+///     copy nothing; each view is checked to lie within the block, at both ends, and
+///     otherwise throws "CheckPointer : Invalid pointer or range." with the array left as
+///     it was (so does a view whose origin or extent lies more than 32 bits of elements
+///     away); a view's sizes are checked as the base checks them (array_nd_abs.h);
 ///   - SetDirectly views memory the array does not own (no block; it is never freed here);
 ///   - operator=, Init and FromMem with the current sizes, Fill and the compound operators
 ///     write through the array's own strides, so a view writes into the array it views;
@@ -34,7 +36,7 @@
 /// line that runs backwards while the walk moves forwards (one operand flipped along
 /// dimension 0, the other not) is read in chunks, each after a prefetch a few lines
 /// ahead, since the processor's own prefetching follows only one direction. Where the
-/// order can change the result (operands
+/// order can change the result (operands of the compound operators
 /// that overlap, a target that reaches an element twice, serialisation, Median), the
 /// walk keeps storage order. Min and Max return the first extreme in storage order: a
 /// floating extreme of zero, where +0 and -0 tie, is found again by a walk in storage
@@ -50,6 +52,13 @@
 ///     dimension";
 ///   - SetDirectly releases the block the array held before;
 ///   - MakeCoord gives coordinate 0 along a dimension of stride 0;
+///   - a view may have a stride of 0: every walk (iteration, Fill, the operators,
+///     comparisons, Median, the flat form) still visits each multi-index once, and a
+///     write through it hits the same element once per index;
+///   - operator= from a source that shares elements with the target (an overlapping
+///     window of the same block, the target's own flip or axis exchange) gives the result
+///     of assigning a copy of the source; the compound operators keep storage order;
+///   - Flip of an axis of size 0 leaves the origin where it is;
 ///   - operator== compares elements at equal multi-indices in any order; arrays of
 ///     different sizes (or dimension counts) are unequal.
 ///
@@ -183,7 +192,7 @@ class ZR_API zrArrayND : public zrArrayNDAbs {
   zrArrayND(const zrArrayND& other);
   /// Init with the source's sizes, then the elements copied in step through both walks:
   /// with equal sizes the array keeps its block and strides (a view writes through).
-  /// Overlapping operands are copied in storage order.
+  /// A source whose elements overlap the target's is copied to a temporary first.
   zrArrayND& operator=(const zrArrayND& other);
   ~zrArrayND() override;
 
