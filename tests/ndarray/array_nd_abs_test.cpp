@@ -215,4 +215,19 @@ TEST(RoundArrayND, StepsRoundAndBack) {
               "Invalid parameters : zrRoundArrayND : Out of range.");
   }
   EXPECT_EQ(fresh.GetPos(), 6);
+
+  // Every position, past the end included, must fit Pos: 3 x (2^30 - 1) does not.
+  const zrArray<int> far = I({(1 << 30) - 1});
+  EXPECT_EQ(BadParametersText([&] { zrRoundArrayND over(I({3}), far); }),
+            "Invalid parameters : zrRoundArrayND : Out of range.");
+  const zrArray<int> two = I({2});
+  zrRoundArrayND edge(two, far);
+  zrArray<int> last = I({1});
+  edge.SetPos(last);
+  edge.SetPos(last);
+  EXPECT_EQ(BadParametersText([&] { edge.SetPos(last); }),
+            "Invalid parameters : zrRoundArrayND : Out of range.");
+  EXPECT_EQ(edge.GetPos(), 2 * ((1 << 30) - 1));
+  edge.ToEnd();
+  EXPECT_EQ(edge.GetPos(), 2 * ((1 << 30) - 1));
 }
