@@ -326,8 +326,7 @@ bool RunLine(int count, A* a, int sa, B* b, int sb, G g) {
   return true;
 }
 
-// Whether the element ranges of two arrays meet.
-// Arrays without elements meet nothing.
+// Whether the element ranges of two arrays meet (arrays without elements meet nothing).
 inline bool NDOverlap(const zrArrayNDAbs& x, const zrArrayNDAbs& y) {
   const auto lo = [](const zrArrayNDAbs& z) {
     return reinterpret_cast<std::intptr_t>(z.Pointer()) +
