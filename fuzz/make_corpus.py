@@ -1,8 +1,11 @@
 #!/usr/bin/env python3
-"""Writes the seed corpora of the flat-form fuzz targets into fuzz/corpus/<name>/.
+"""Writes the seed corpora of the flat-form and N-D view fuzz targets into
+fuzz/corpus/<name>/.
 
-Each seed is a small valid form, or a valid form cut short, behind the byte that picks
-the type in targets that take one. Run it from anywhere; it rewrites the flat_* corpora.
+Each flat-form seed is a small valid form, or a valid form cut short, behind the byte that
+picks the type in targets that take one. Each N-D view seed is a block and a short program
+of view steps (see fuzz/nd_view_fuzz.cpp). Run it from anywhere; it rewrites the flat_*
+and nd_view corpora.
 """
 import os
 import struct
@@ -73,7 +76,49 @@ def seeds():
         "space": b"\x01" + f64(1, 0, 0, 0, 1, 0, 0, 0, 1, 1, 2, 3),
         "plane_cut": b"\x00" + f64(1, 0, 0),
     }
+    out["nd_view"] = nd_view_seeds()
     return out
+
+
+# nd_view_fuzz: a type byte (0 unsigned char, 1 int, 2 double), the dimension count less
+# one, the sizes less one, then steps. A step's low four bits pick the operation, bit 7
+# works on view b instead of a, bit 6 takes the block itself as the source.
+SET, SET_SAME, WINDOW, FLIP, SWAP, SHARE, ASSIGN, ADD, CLIP = range(9)
+ON_B, FROM_BLOCK = 0x80, 0x40
+FAR = {v: i for i, v in enumerate([0, 1, -1, 65535, 65536, 65537, 32768, 46341, 1 << 29,
+                                   1 << 30, -(1 << 30), 2**31 - 1, -(2**31), -(2**31) + 1,
+                                   2**31 - 2, -65536])}
+
+
+def num(*values):
+    out = b""
+    for v in values:
+        out += bytes([0x80, FAR[v]]) if not -128 < v < 128 else struct.pack("<b", v)
+    return out
+
+
+def nd_view_seeds():
+    return {
+        # a = flip of the block, b = its transpose, a = b (an overlapping source).
+        "flip_assign": bytes([2, 1, 3, 3, FLIP, 1, ON_B | SWAP, 1, 2, ASSIGN]),
+        # four elements reaching back from the first: refused.
+        "before_block": bytes([0, 0, 5, FROM_BLOCK | SET]) + num(0) + bytes([0]) + num(4, -1),
+        # 65536 x 65537 indices of one element: refused.
+        "far_count": bytes([1, 0, 5, FROM_BLOCK | SET]) + num(0) + bytes([1])
+        + num(65536, 65537, 0, 0),
+        # 4 x 12 indices of one element, added to and from.
+        "stride_zero": bytes([2, 0, 3, FROM_BLOCK | SET]) + num(1) + bytes([1]) + num(4, 12, 0, 0)
+        + bytes([ON_B | FROM_BLOCK | SET]) + num(0) + bytes([1]) + num(4, 12, 1, 0)
+        + bytes([ADD, ON_B | ADD, ON_B | ASSIGN]),
+        # windows one step apart diagonally, assigned both ways.
+        "windows": bytes([2, 1, 3, 2, FROM_BLOCK | WINDOW]) + num(0, 0, 3, 2)
+        + bytes([ON_B | FROM_BLOCK | WINDOW]) + num(1, 1, 3, 2) + bytes([ON_B | ASSIGN, ASSIGN]),
+        # far offsets and strides: a window start, a flip of INT_MIN, a clip.
+        "far_offsets": bytes([0, 1, 1, 1, FROM_BLOCK | SET]) + num(0) + bytes([1])
+        + num(2, 2, 2, 1) + bytes([ON_B | WINDOW]) + num(1 << 30, 0, 1, 1)
+        + bytes([ON_B | FROM_BLOCK | SET]) + num(0) + bytes([0]) + num(1, -(2**31))
+        + bytes([ON_B | FLIP, 1, CLIP]) + num(-(2**31), -(2**31), 2**31 - 1, 2**31 - 1),
+    }
 
 
 def main():

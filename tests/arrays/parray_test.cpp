@@ -96,6 +96,10 @@ TEST(PArray, BlockRangeAndBoundaryChecks) {
       {4, 2, 0, 1, 0},    // off the element grid
       {16, 3, 2, 1, 1},   // the extent below the origin stays inside
       {16, 3, 3, 0, 0},   // ... or starts before the block
+      {16, 3, -2, 1, 1},  // the same extents as the arrays report them, zero or below
+      {16, 3, -3, 0, 0},        {0, 1, -1, 0, 0},  // one element before the block
+      {8, 1 << 29, 0, 0, 0},                       // 2^32 bytes: no longer wrapped to a few
+      {88, 1, -(1 << 29), 0, 0}                    // ... nor below the origin
   };
   for (const auto& [bytes, length, negative, whole, aligned] : cases) {
     const Doubles a(reinterpret_cast<char*>(block) + bytes, length, negative, block);
@@ -120,9 +124,11 @@ TEST(PArray, ExternalArraysAreCheckedAgainstTheGivenBytes) {
   const Doubles wild(reinterpret_cast<void*>(0x10), 1000);  // NOLINT
   EXPECT_EQ(wild.CheckPointer(), 1);
 
-  const Doubles reaching_back(data + 2, 8, 2);
-  EXPECT_EQ(reaching_back.CheckPointer(data, 80), 1);
-  EXPECT_EQ(reaching_back.CheckPointer(data + 1, 72), 0);  // starts before the given memory
+  for (int below : {2, -2}) {
+    const Doubles reaching_back(data + 2, 8, below);
+    EXPECT_EQ(reaching_back.CheckPointer(data, 80), 1);
+    EXPECT_EQ(reaching_back.CheckPointer(data + 1, 72), 0);  // starts before the given memory
+  }
 }
 
 TEST(PArray, BaseHasNoFlatFormAndItsOwnIdentity) {

@@ -135,3 +135,23 @@ TEST(LengthLimit, VectorViewsBeyondThirtyTwoBitExtentsAreRefused) {
   w.Set(v, 3, 4, -(big / 2));
   EXPECT_EQ(w.NegativeLength(), -3 * (big / 2));
 }
+
+TEST(LengthLimit, NDViewsOfMoreThanIntMaxElementsAreRefused) {
+  // 65536 x 65537 indices over 65537 elements: the count once wrapped to 65536 and the
+  // walks then ran 2^32 elements through buffers of that size.
+  zrArrayND<unsigned char> block(zrArray<int>(1, 65537));
+  zrArray<int> sizes(2);
+  sizes[0] = 65536;
+  sizes[1] = 65537;
+  zrArray<int> strides(2);
+  strides[0] = 0;
+  strides[1] = 1;
+  zrArrayND<unsigned char> view;
+  EXPECT_EQ(zr_test::BadParametersText([&] { view.Set(block, 0, sizes, strides); }),
+            "Invalid parameters : zrArrayNDAbs : Sizes beyond 32 bits.");
+  EXPECT_TRUE(view.empty());
+  sizes[0] = 32768;  // 2^31 - 32768 indices: still a count
+  sizes[1] = 65535;
+  view.Set(block, 0, sizes, strides);
+  EXPECT_EQ(view.GetSize(), 32768 * 65535);
+}

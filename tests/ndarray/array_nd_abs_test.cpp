@@ -2,7 +2,9 @@
 // zrRoundArrayND cursor.
 #include <gtest/gtest.h>
 
+#include <climits>
 #include <initializer_list>
+#include <string>
 #include <vector>
 
 #include "support/test_support.h"
@@ -123,6 +125,18 @@ TEST(ArrayNDAbs, GetLineWithinClipsByOutcodes) {
   EXPECT_EQ(V(p1), std::vector<int>({-1, 3}));
   EXPECT_EQ(V(p2), std::vector<int>({0, 3}));
 
+  // End points far apart: the slope and the moves are exact, nothing overflows.
+  p1 = I({INT_MIN, INT_MIN});
+  p2 = I({INT_MAX, INT_MAX});
+  EXPECT_EQ(box.GetLineWithin(p1, p2), 1);
+  EXPECT_EQ(V(p1), std::vector<int>({0, 0}));
+  EXPECT_EQ(V(p2), std::vector<int>({3, 3}));
+  p1 = I({INT_MIN, 1});
+  p2 = I({INT_MAX, 2});
+  EXPECT_EQ(box.GetLineWithin(p1, p2), 1);
+  EXPECT_EQ(V(p1), std::vector<int>({0, 1}));
+  EXPECT_EQ(V(p2), std::vector<int>({3, 2}));
+
   zrArrayND<int> cube(I({2, 2, 2}));
   EXPECT_EQ(BadParametersText([&] { cube.GetLineWithin(p1, p2); }),
             "Invalid parameters : Dimension must equal 2 in GetLine.");
@@ -153,6 +167,18 @@ TEST(ArrayNDAbs, NeighbourTables) {
   for (int i = 0; i < 26; ++i) EXPECT_EQ(out[i], -out[25 - i]);
   EXPECT_EQ(BadParametersText([&] { zrArrayNDAbs::MkTabForAp(tab, I({2}), out); }),
             "Invalid parameters : Different dimension");
+
+  // Offsets past the 32-bit range are refused, the output left as it was.
+  const std::string offsets = "Invalid parameters : zrArrayNDAbs : Offsets beyond 32 bits.";
+  const zrArray<int> far = I({1 << 30, 1 << 30});
+  EXPECT_EQ(BadParametersText([&] { zrArrayNDAbs::Rcurs2(far, out); }), offsets);
+  EXPECT_EQ(BadParametersText([&] { zrArrayNDAbs::MkTabForAp(far, I({3, 1}), out); }), offsets);
+  EXPECT_EQ(BadParametersText([&] { zrArrayNDAbs::MkTabFor4Link(I({INT_MIN}), out); }), offsets);
+  EXPECT_EQ(out.Len(), 26);
+  zrArrayNDAbs::MkTabForAp(I({1 << 30, (1 << 30) - 1}), I({2, 2}), out);  // up to INT_MAX
+  EXPECT_EQ(V(out), std::vector<int>({0, 1 << 30, (1 << 30) - 1, INT_MAX}));
+  zrArrayNDAbs::Rcurs2(I({INT_MAX}), out);
+  EXPECT_EQ(V(out), std::vector<int>({-INT_MAX, 0, INT_MAX}));
 }
 
 TEST(RoundArrayND, StepsRoundAndBack) {
@@ -189,4 +215,19 @@ TEST(RoundArrayND, StepsRoundAndBack) {
               "Invalid parameters : zrRoundArrayND : Out of range.");
   }
   EXPECT_EQ(fresh.GetPos(), 6);
+
+  // Every position, past the end included, must fit Pos: 3 x (2^30 - 1) does not.
+  const zrArray<int> far = I({(1 << 30) - 1});
+  EXPECT_EQ(BadParametersText([&] { zrRoundArrayND over(I({3}), far); }),
+            "Invalid parameters : zrRoundArrayND : Out of range.");
+  const zrArray<int> two = I({2});
+  zrRoundArrayND edge(two, far);
+  zrArray<int> last = I({1});
+  edge.SetPos(last);
+  edge.SetPos(last);
+  EXPECT_EQ(BadParametersText([&] { edge.SetPos(last); }),
+            "Invalid parameters : zrRoundArrayND : Out of range.");
+  EXPECT_EQ(edge.GetPos(), 2 * ((1 << 30) - 1));
+  edge.ToEnd();
+  EXPECT_EQ(edge.GetPos(), 2 * ((1 << 30) - 1));
 }

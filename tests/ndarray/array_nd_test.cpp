@@ -2,11 +2,13 @@
 // extremes, slices and the flat form.
 #include <gtest/gtest.h>
 
+#include <climits>
 #include <cmath>
 #include <cstdint>
 #include <cstring>
 #include <functional>
 #include <initializer_list>
+#include <string>
 #include <utility>
 #include <vector>
 
@@ -20,6 +22,12 @@ using A = zrArrayND<double>;
 using D = std::vector<double>;
 
 zrArray<int> I(std::initializer_list<int> values) {
+  zrArray<int> a;
+  for (int v : values) a.push_back(v);
+  return a;
+}
+
+zrArray<int> I(const std::vector<int>& values) {
   zrArray<int> a;
   for (int v : values) a.push_back(v);
   return a;
@@ -203,18 +211,13 @@ TEST(ArrayND, StridedViewsWalkAndRunInStorageOrder) {
     EXPECT_EQ(shared.Max(), 0);
   }
 
-  // Overlapping operands run in storage order.
+  // Overlapping operands of the compound operators run in storage order.
   A a = Counting<double>(I({4}));
-  A b = Counting<double>(I({4}));
   A f;
   f.Set(a);
   f.Flip(0);
   a += f;  // a[2] already sees the new a[1], a[3] the new a[0]
   EXPECT_EQ(Walk(a), D({5, 5, 8, 9}));
-  f.Set(b);
-  f.Flip(0);
-  b = f;
-  EXPECT_EQ(Walk(b), D({4, 3, 3, 4}));
 
   // Extremes keep the first in storage order.
   A zeros(I({2}));
@@ -269,4 +272,183 @@ TEST(ArrayND, SlicesWriteThroughAndCoordinates) {
   A f(I({3, 4}));
   f.Flip(0);  // strides (-1, 3): element (2, 1) lies at offset 1
   EXPECT_EQ(coord(f, 1), std::vector<int>({-1, 0}));
+}
+
+TEST(ArrayND, ViewsNeverReachOutsideTheirBlock) {
+  const std::string range = "Invalid parameters : CheckPointer : Invalid pointer or range.";
+  A base = Counting<double>(I({12}));
+  struct Window {
+    int offset;
+    std::vector<int> sizes;
+    std::vector<int> strides;
+    bool inside;
+  };
+  // Windows that touch an end of the 12 elements, and the same one step further.
+  const Window windows[] = {
+      {0, {12}, {1}, true},
+      {1, {12}, {1}, false},
+      {11, {12}, {-1}, true},
+      {10, {12}, {-1}, false},
+      {0, {4}, {-1}, false},
+      {0, {1}, {-1}, true},
+      {11, {1}, {1}, true},
+      {12, {1}, {1}, false},
+      {-1, {1}, {1}, false},
+      {2, {4}, {3}, true},
+      {3, {4}, {3}, false},
+      {9, {4}, {-3}, true},
+      {8, {4}, {-3}, false},
+      {11, {4, 3}, {-1, -4}, true},
+      {10, {4, 3}, {-1, -4}, false},
+      {3, {4, 3}, {-1, 4}, true},
+      {2, {4, 3}, {-1, 4}, false},
+      {4, {4, 3}, {-1, 4}, false},
+      {8, {2, 2, 3}, {-4, 1, 1}, true},
+      {8, {2, 2, 3}, {-4, 1, 2}, false},
+      {2, {3, 2, 2}, {-1, 5, 0}, true},
+      {1, {3, 2, 2}, {-1, 5, 0}, false},
+  };
+  for (const Window& w : windows) {
+    SCOPED_TRACE(::testing::Message() << "offset " << w.offset << " strides " << w.strides[0]);
+    const zrArray<int> sizes = I(w.sizes);
+    const zrArray<int> strides = I(w.strides);
+    A view;
+    view.Set(base, 5, I({1}), I({1}));
+    if (w.inside) {
+      view.Set(base, w.offset, sizes, strides);
+      view.Fill(-1);  // every element of the window lies in the block
+      EXPECT_EQ(base.Min(), -1);
+      base = Counting<double>(I({12}));
+    } else {
+      EXPECT_EQ(BadParametersText([&] { view.Set(base, w.offset, sizes, strides); }), range);
+      EXPECT_EQ(view.GetPointer(), base.GetPointer() + 5);  // unchanged
+      EXPECT_EQ(view.GetSize(), 1);
+    }
+  }
+
+  // A window of a window may reach back into the first one's block, not beyond it.
+  A grid = Counting<double>(I({4, 3}));
+  A middle;
+  middle.SetSubWindow(grid, I({1, 1}), I({2, 1}));
+  A back;
+  back.SetSubWindow(middle, I({-1, -1}), I({4, 3}));
+  EXPECT_EQ(Walk(back), Walk(grid));
+  EXPECT_EQ(BadParametersText([&] { back.SetSubWindow(middle, I({-2, -1}), I({1, 1})); }), range);
+  back.Set(middle);
+  back.Flip(0);
+  EXPECT_EQ(Walk(back), D({7, 6}));
+
+  // Changing the geometry through the base is checked against the block too.
+  zrArrayNDAbs& geometry = base;
+  EXPECT_EQ(BadParametersText([&] { geometry.Set(I({12}), I({-1})); }), range);
+  EXPECT_EQ(BadParametersText([&] { geometry.Set(I({13}), I({1})); }), range);
+  EXPECT_EQ(Walk(base), Walk(Counting<double>(I({12}))));
+  geometry.Set(I({6}), I({2}));
+  EXPECT_EQ(Walk(base), D({1, 3, 5, 7, 9, 11}));
+
+  // Empty windows reach nothing: any origin from the first element to one past the last.
+  A empty;
+  empty.Set(grid, 12, I({0, 3}), I({1, 4}));
+  EXPECT_TRUE(empty.empty());
+  EXPECT_EQ(BadParametersText([&] { empty.Set(grid, 13, I({0, 3}), I({1, 4})); }), range);
+  empty.Set(grid, 0, I({0, 3}), I({-1, 4}));
+  empty.Flip(0);
+  EXPECT_EQ(empty.GetPointer(), grid.GetPointer());
+}
+
+TEST(ArrayND, ViewGeometryIsCheckedIn64Bits) {
+  const std::string range = "Invalid parameters : CheckPointer : Invalid pointer or range.";
+  A src = Counting<double>(I({4}));
+  A view;
+  // Negative sizes are refused by every form, as Set(range) refuses them.
+  EXPECT_EQ(BadParametersText([&] { view.Set(src, 0, I({-1}), I({1})); }),
+            "Invalid parameters : zrArrayNDAbs : Negative size.");
+  EXPECT_EQ(BadParametersText([&] { view.SetSubWindow(src, I({0}), I({-1})); }),
+            "Invalid parameters : zrArrayNDAbs : Negative size.");
+  EXPECT_TRUE(view.empty());
+
+  const std::pair<zrArray<int>, zrArray<int>> far[] = {
+      {I({2}), I({1 << 29})},              // 2^32 + 8 bytes: once wrapped to 8
+      {I({3}), I({1 << 30})},              // an extent past INT_MAX elements
+      {I({2, 2}), I({1 << 30, 1 << 30})},  // carries that overflowed before the check
+      {I({1, 2}), I({INT_MAX, 1})},        // EndPos past INT_MAX
+  };
+  for (const auto& [sizes, strides] : far)
+    EXPECT_EQ(BadParametersText([&] { view.Set(src, 0, sizes, strides); }), range);
+
+  // Offsets that leave the 32-bit range: a sub-window start, a flip of a long stride.
+  A every2;
+  every2.Set(src, 0, I({2}), I({2}));
+  EXPECT_EQ(BadParametersText([&] { view.SetSubWindow(every2, I({1 << 30}), I({1})); }), range);
+  A step;
+  step.Set(src, 0, I({1}), I({INT_MIN}));
+  EXPECT_EQ(BadParametersText([&] { step.Flip(0); }), range);
+  EXPECT_EQ(step.Tab()[0], INT_MIN);
+
+  // An outside array is not checked against memory, but its offsets still are.
+  EXPECT_EQ(BadParametersText([&] { view.SetDirectly(src.GetPointer(), I({3}), I({1 << 30})); }),
+            range);
+  EXPECT_EQ(BadParametersText([&] {
+              view.SetDirectly(src.GetPointer(), I({65536, 65536, 0}));
+            }),
+            "Invalid parameters : zrArrayNDAbs : Sizes beyond 32 bits.");
+}
+
+TEST(ArrayND, StrideZeroViewsVisitEveryMultiIndex) {
+  A src = Counting<double>(I({4}));
+  A same;
+  same.Set(src, 1, I({4, 12}), I({0, 0}));  // 48 indices, one element
+  EXPECT_EQ(same.GetSize(), 48);
+  EXPECT_EQ(Walk(same), D(48, 2.0));
+  same += 1.0;  // once per index
+  EXPECT_EQ(Walk(src), D({1, 50, 3, 4}));
+  EXPECT_EQ(same.Median(), 50);
+  A ones(I({4, 12}));
+  ones.Fill(1);
+  ones += same;
+  EXPECT_EQ(Walk(ones), D(48, 51.0));
+  EXPECT_EQ(A(same) == same, 1);
+  std::vector<unsigned char> flat(same.MemSize());
+  EXPECT_EQ(same.ToMem(flat.data()), static_cast<int>(flat.size()));
+  A back;
+  back.FromMem(flat.data());
+  EXPECT_EQ(Walk(back), D(48, 50.0));
+
+  A rows;  // the same row three times
+  rows.Set(src, 0, I({1, 3}), I({0, 0}));
+  EXPECT_EQ(Walk(rows), D({1, 1, 1}));
+  rows.Set(src, 0, I({2, 3}), I({2, 0}));
+  EXPECT_EQ(Walk(rows), D({1, 3, 1, 3, 1, 3}));
+  rows.Fill(0);
+  EXPECT_EQ(Walk(src), D({0, 50, 0, 4}));
+}
+
+TEST(ArrayND, AssignmentFromAnOverlappingViewCopiesTheSourceFirst) {
+  // Rows (1 2 3 4) (5 6 7 8) (9 10 11 12); windows of 3 x 2 one step apart diagonally.
+  A grid = Counting<double>(I({4, 3}));
+  A low;
+  A high;
+  low.SetSubWindow(grid, I({0, 0}), I({3, 2}));
+  high.SetSubWindow(grid, I({1, 1}), I({3, 2}));
+  high = low;
+  EXPECT_EQ(Walk(grid), D({1, 2, 3, 4, 5, 1, 2, 3, 9, 5, 6, 7}));
+  grid = Counting<double>(I({4, 3}));
+  low = high;
+  EXPECT_EQ(Walk(grid), D({6, 7, 8, 4, 10, 11, 12, 8, 9, 10, 11, 12}));
+  EXPECT_EQ(low.GetPointer(), grid.GetPointer());  // still views
+
+  // A view assigned from its own flip and from its own transpose.
+  A line = Counting<double>(I({5}));
+  A flipped;
+  flipped.Set(line);
+  flipped.Flip(0);
+  line = flipped;
+  EXPECT_EQ(Walk(line), D({5, 4, 3, 2, 1}));
+  A square = Counting<double>(I({3, 3}));
+  A turned;
+  turned.Set(square);
+  turned.SwapAxis(0, 1);
+  square = turned;
+  EXPECT_EQ(Walk(square), D({1, 4, 7, 2, 5, 8, 3, 6, 9}));
+  EXPECT_EQ(turned.GetNumOfRef(), 1);  // the block is still shared
 }

@@ -32,27 +32,33 @@ int zrPArray::IsShared() const { return !mem_ || GetNumOfRef() != 0 ? 1 : 0; }
 
 int zrPArray::IsExternShared() const { return mem_ ? 0 : 1; }
 
-// The checks are written with 64-bit intermediates: for every extent the 32-bit byte
-// lengths can express they give the same answers as 32-bit arithmetic, without its
-// overflow.
+// The checks work in 64 bits from the element extents: the extents in bytes may pass the
+// 32-bit range (a view of a few doubles with a long step), and a check made on their
+// wrapped values would pass such a view. The extent below the origin counts by its size
+// whatever its sign: the arrays report it as zero or negative, and a range that starts
+// before the memory is refused either way.
+int zrPArray::RangeCheck(const void* base, std::int64_t bytes) const {
+  const std::int64_t size = GetSizeOfType();
+  const std::int64_t positive = static_cast<std::int64_t>(PositiveLength()) * size;
+  const std::int64_t below = NegativeLength();
+  const std::int64_t negative = (below < 0 ? -below : below) * size;
+  const std::int64_t off = ByteDistance(base, Pointer());
+  if (off - bytes + positive > 0) return 0;
+  return off - negative < 0 ? 0 : 1;
+}
+
 int zrPArray::BlockCheck(bool boundary) const {
-  const std::int64_t positive = BytePositiveLength();
-  const std::int64_t negative = ByteNegativeLength();
   const std::int64_t size = GetSizeOfType();
   const std::int64_t off = ByteDistance(mem_, Pointer());
   if (boundary && (size <= 0 || off % size != 0)) return 0;
-  const std::int64_t block_bytes = zr::detail::BlockCount(mem_) * size;
-  if (off - block_bytes + positive > 0) return 0;
-  return off - negative < 0 ? 0 : 1;
+  return RangeCheck(mem_, zr::detail::BlockCount(mem_) * size);
 }
 
 int zrPArray::CheckPointer() const { return mem_ ? BlockCheck(false) : 1; }
 
 int zrPArray::CheckPointer(const void* p, int n) const {
   if (mem_) return BlockCheck(true);
-  const std::int64_t off = ByteDistance(p, Pointer());
-  if (off - n + BytePositiveLength() > 0) return 0;
-  return off - ByteNegativeLength() < 0 ? 0 : 1;
+  return RangeCheck(p, n);
 }
 
 void zrPArray::CheckPointerWithThrow() const {

@@ -5,8 +5,8 @@
 /// its elements around an origin: Pointer() is the address of element 0,
 /// PositiveLength() the number of elements reached from there towards higher addresses,
 /// NegativeLength() the extent below it. Strided views report a negative extent for a
-/// negative step ((length - 1) * step); the byte forms and the range checks use the value
-/// with the sign it has.
+/// negative step ((length - 1) * step); the byte forms use the value with the sign it has,
+/// the range checks its size.
 ///
 /// Sharing states, as the interface reads them:
 ///   sole owner  a block, GetNumOfRef() == 0, IsShared() == 0
@@ -22,6 +22,8 @@
 /// CheckPointer(p, n), CheckPointerWithThrow(), CheckPointerWithThrow(p, n),
 /// BytePositiveLength, ByteNegativeLength, MemSize, ToMem, FromMem.
 #pragma once
+
+#include <cstdint>
 
 #include "zr/core/core.h"
 
@@ -65,10 +67,11 @@ class ZR_API zrPArray : public zrRefCount {
 
   /// Range checks, 1 when the array's extent lies within its memory, else 0.
   /// With a block, the origin must sit on an element boundary of the block and the range
-  /// from NegativeLength below the origin to PositiveLength above it must lie inside the
-  /// block. CheckPointer() passes an array without a block unchecked and skips the
-  /// boundary test; CheckPointer(p, n) checks an array without a block against the n
-  /// bytes at p (and ignores p and n when there is a block).
+  /// from |NegativeLength| elements below the origin to PositiveLength above it must lie
+  /// inside the block (computed in 64 bits, so extents whose byte counts pass the 32-bit
+  /// range are refused rather than wrapped). CheckPointer() passes an array without a block
+  /// unchecked and skips the boundary test; CheckPointer(p, n) checks an array without a block
+  /// against the n bytes at p (and ignores p and n when there is a block).
   virtual int CheckPointer() const;
   virtual int CheckPointer(const void* p, int n) const;
   /// The same, throwing BadParameters("CheckPointer : Invalid pointer or range.") for 0.
@@ -111,6 +114,7 @@ class ZR_API zrPArray : public zrRefCount {
 
  private:
   int BlockCheck(bool boundary) const;
+  int RangeCheck(const void* base, std::int64_t bytes) const;
 
   void* mem_ = nullptr;  // user pointer of the block held (counted), or null when not owned
 };

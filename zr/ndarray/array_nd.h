@@ -13,8 +13,10 @@
 ///   - Set, Init with other sizes and FromMem with other sizes make a new private block;
 ///   - the views (the three-source Set forms, SetSubWindow, Flip, SwapAxis, Rotate90,
 ///     Rotate180, ReduceDimArrayND, GetReduceDimArrayND) and Move share the block and
-///     copy nothing; each view is checked to lie within the block and otherwise throws
-///     "CheckPointer : Invalid pointer or range." with the array left as it was;
+///     copy nothing; each view is checked to lie within the block, at both ends, and
+///     otherwise throws "CheckPointer : Invalid pointer or range." with the array left as
+///     it was (so does a view whose origin or extent lies more than 32 bits of elements
+///     away); a view's sizes are checked as the base checks them (array_nd_abs.h);
 ///   - SetDirectly views memory the array does not own (no block; it is never freed here);
 ///   - operator=, Init and FromMem with the current sizes, Fill and the compound operators
 ///     write through the array's own strides, so a view writes into the array it views;
@@ -34,7 +36,7 @@
 /// line that runs backwards while the walk moves forwards (one operand flipped along
 /// dimension 0, the other not) is read in chunks, each after a prefetch a few lines
 /// ahead, since the processor's own prefetching follows only one direction. Where the
-/// order can change the result (operands
+/// order can change the result (operands of the compound operators
 /// that overlap, a target that reaches an element twice, serialisation, Median), the
 /// walk keeps storage order. Min and Max return the first extreme in storage order: a
 /// floating extreme of zero, where +0 and -0 tie, is found again by a walk in storage
@@ -50,6 +52,13 @@
 ///     dimension";
 ///   - SetDirectly releases the block the array held before;
 ///   - MakeCoord gives coordinate 0 along a dimension of stride 0;
+///   - a view may have a stride of 0: every walk (iteration, Fill, the operators,
+///     comparisons, Median, the flat form) still visits each multi-index once, and a
+///     write through it hits the same element once per index;
+///   - operator= from a source that shares elements with the target (an overlapping
+///     window of the same block, the target's own flip or axis exchange) gives the result
+///     of assigning a copy of the source; the compound operators keep storage order;
+///   - Flip of an axis of size 0 leaves the origin where it is;
 ///   - operator== compares elements at equal multi-indices in any order; arrays of
 ///     different sizes (or dimension counts) are unequal.
 ///
@@ -65,6 +74,7 @@
 /// may instantiate it for a type of its own by including zr/ndarray/array_nd_impl.h.
 #pragma once
 
+#include <cstdint>
 #include <iterator>
 
 #include "zr/arrays/arrays.h"
@@ -90,10 +100,10 @@ class ZR_API zrArrayND : public zrArrayNDAbs {
   // the elements left on its line, the sizes, the carry increments, the step along a line
   // and the contiguity flag. Each step adds the step and counts down the line; at a
   // line's end a non-contiguous walk carries (a contiguous one is a single line). end() stands at
-  // GetPointer() + GetEndPos(), where the walk leaves the pointer; since with a flipped axis that
-  // address can be an element's own (a 3 x 2 array flipped along dimension 0 has EndPos 0), a
-  // non-contiguous walk also marks its end, and iterators compare equal when both address and mark
-  // agree. Changing the array's geometry or storage invalidates them.
+  // GetPointer() + GetEndPos(), where the walk leaves the pointer; since that address can be an
+  // element's own (a 3 x 2 array flipped along dimension 0 has EndPos 0, a step of 0 leaves the
+  // pointer where it was), every walk also marks its end, and iterators compare equal when both
+  // address and mark agree. Changing the array's geometry or storage invalidates them.
   template <class E>
   class Iter : public zrArrayNDAbs::Index {
    public:
@@ -129,7 +139,7 @@ class ZR_API zrArrayND : public zrArrayNDAbs {
       if (a.GetSize() == 0) return;  // begin == end
       if (atEnd) {
         cur_ += a.GetEndPos();
-        done_ = !con_;
+        done_ = true;
       } else if (!con_) {
         this->Set(&a, false);
         range_ = this->SharedRange();
@@ -143,7 +153,10 @@ class ZR_API zrArrayND : public zrArrayNDAbs {
     // last. A contiguous walk is a single line. Written out here: a call in the element
     // loop would keep the caller's own values out of the registers a call clobbers.
     void NextLine() {
-      if (con_) return;
+      if (con_) {
+        done_ = true;
+        return;
+      }
       int* const c = this->GetPointer();
       const int n = this->Len();
       for (int k = 1; k < n; ++k) {
@@ -163,7 +176,7 @@ class ZR_API zrArrayND : public zrArrayNDAbs {
     const int* for_tab_;
     int step_;
     bool con_;
-    bool done_ = false;  // a non-contiguous walk has run out
+    bool done_ = false;  // the walk has run out
   };
 
  public:
@@ -179,7 +192,7 @@ class ZR_API zrArrayND : public zrArrayNDAbs {
   zrArrayND(const zrArrayND& other);
   /// Init with the source's sizes, then the elements copied in step through both walks:
   /// with equal sizes the array keeps its block and strides (a view writes through).
-  /// Overlapping operands are copied in storage order.
+  /// A source whose elements overlap the target's is copied to a temporary first.
   zrArrayND& operator=(const zrArrayND& other);
   ~zrArrayND() override;
 
@@ -291,7 +304,9 @@ class ZR_API zrArrayND : public zrArrayNDAbs {
  private:
   // Commits a view: geometry, origin and a share of holder's block, checked before
   // anything of this array changes.
-  void View(const zrPArray& holder, T* origin, const zrArray<int>& range, const zrArray<int>& tab);
+  // The origin lies offset elements from base.
+  void View(const zrPArray& holder, const T* base, std::int64_t offset, const zrArray<int>& range,
+            const zrArray<int>& tab);
   template <class F>
   void Each(F f);
   template <zr::detail::NDOp op, class F>

@@ -21,7 +21,20 @@
 ///
 /// The block's extents around the origin: PositiveLength() = 1 + sum of the positive
 /// (Range[k] - 1) * Tab[k], NegativeLength() = sum of the negative ones (zero or below,
-/// without the +1: the origin element counts on the positive side).
+/// without the +1: the origin element counts on the positive side). A geometry without
+/// elements (a size of 0) reaches nothing: both are 0.
+///
+/// Every geometry is checked before it is taken, in 64 bits, and refused with
+/// BadParameters, the object left as it was:
+///   - a negative size: "zrArrayNDAbs : Negative size.";
+///   - sizes whose product passes INT32_MAX: "zrArrayNDAbs : Sizes beyond 32 bits."
+///     (dense strides, MkTabFromRange, refuse a running product past it the same way);
+///   - elements more than INT32_MAX elements apart, or an EndPos or carry increment
+///     outside the 32-bit range: "CheckPointer : Invalid pointer or range." (no block
+///     holds such an array);
+///   - an array with a block whose new extents leave the block: the same text.
+/// A stride of 0 is allowed: the elements along that axis are one and the same, and the
+/// walks still visit every multi-index once (GetSize() of them).
 ///
 /// Flat form: the sizes only, as a zrArray<int> (a 4-byte count, then the sizes); strides
 /// are never written. FromMem reads the sizes and calls Init, so a strided or flipped
@@ -113,7 +126,8 @@ class ZR_API zrArrayNDAbs : public zrPArray {
   virtual void Flip(int a) = 0;
   virtual void SwapAxis(int a, int b) = 0;
 
-  /// Both arrays as passed (any signed strides).
+  /// Both arrays as passed (any signed strides), checked as above; on an array with a
+  /// block the new extents must lie inside it.
   void Set(const zrArray<int>& range, const zrArray<int>& tab);
 
   const zrArray<int>& Range() const { return range_; }
@@ -129,9 +143,11 @@ class ZR_API zrArrayNDAbs : public zrPArray {
   void ModifyRange() {}
   void AfterModifyRange() { MakeAux(); }
 
-  /// Dense strides: first, then each the previous times the previous size.
+  /// Dense strides: first, then each the previous times the previous size; a stride
+  /// past the 32-bit range throws "zrArrayNDAbs : Sizes beyond 32 bits.".
   static zrArray<int> MkTabFromRange(const zrArray<int>& range, int first);
-  /// The carry increments for the sizes and strides.
+  /// The carry increments for the sizes and strides, formed in 64 bits; one outside the
+  /// 32-bit range throws "zrArrayNDAbs : Offsets beyond 32 bits.".
   static zrArray<int> MakeForTab(const zrArray<int>& range, const zrArray<int>& tab);
 
   /// SwapAxis(a, b) then Flip(b): a quarter turn in the plane of a and b.
@@ -144,11 +160,14 @@ class ZR_API zrArrayNDAbs : public zrPArray {
   /// misses. Points and array must have two dimensions, else "Dimension must equal 2 in
   /// GetLine.". The clipping stops after its fifth edge move and then returns 1 with the
   /// points as they stand (possibly exchanged, possibly not yet inside): a segment that
-  /// needs more moves is not finished. That cap is kept on purpose.
+  /// needs more moves is not finished. That cap is kept on purpose. The clipping is
+  /// exact for any 32-bit end points; a moved coordinate that would leave the 32-bit
+  /// range throws "Point out of range in GetLine.".
   int GetLineWithin(zrArray<int>& p1, zrArray<int>& p2) const;
 
   /// Neighbour offset tables for the strides tab (n dimensions), in elements. A table
-  /// longer than INT_MAX entries cannot be made: zrErrNoMemory with its byte count.
+  /// longer than INT_MAX entries cannot be made: zrErrNoMemory with its byte count. An
+  /// offset outside the 32-bit range throws "zrArrayNDAbs : Offsets beyond 32 bits.".
   /// Face neighbours: out[2k] = tab[k], out[2k + 1] = -tab[k].
   static void MkTabFor4Link(const zrArray<int>& tab, zrArray<int>& out);
   /// All 3^n - 1 neighbours of the cube around an element: the offsets of Rcurs2 without

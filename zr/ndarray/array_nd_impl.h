@@ -101,10 +101,10 @@ template <class A, class B, class F>
 bool WalkTiles(int r0, int r1, A* pa, int a0, int a1, B* pb, int b0, int b1, F& line) {
   constexpr int kLine = NDTileLine<A>();
   constexpr int kLines = NDTileLines<B>();
-  const int ta = kLine * a0;
-  const int tb = kLine * b0;
-  const int ua = kLines * a1;
-  const int ub = kLines * b1;
+  const std::ptrdiff_t ta = static_cast<std::ptrdiff_t>(kLine) * a0;
+  const std::ptrdiff_t tb = static_cast<std::ptrdiff_t>(kLine) * b0;
+  const std::ptrdiff_t ua = static_cast<std::ptrdiff_t>(kLines) * a1;
+  const std::ptrdiff_t ub = static_cast<std::ptrdiff_t>(kLines) * b1;
   for (int j = 0;;) {
     const int nj = r1 - j < kLines ? r1 - j : kLines;
     A* qa = pa;
@@ -206,7 +206,8 @@ bool WalkPair(int n, const int* range, A* pa, const int* ta, B* pb, const int* t
   if (m == 0) return line(1, pa, 0, pb, 0);
   int d = 0;
   for (int i = 1; i < m; ++i) {
-    if (a[i] == r[d] * a[d] && b[i] == r[d] * b[d]) {
+    if (a[i] == static_cast<std::int64_t>(r[d]) * a[d] &&
+        b[i] == static_cast<std::int64_t>(r[d]) * b[d]) {
       r[d] *= r[i];
     } else {
       ++d;
@@ -235,9 +236,17 @@ bool WalkPair(int n, const int* range, A* pa, const int* ta, B* pb, const int* t
   }
   // ca[k]: from the start of the last line (plane) with dimension k - 1 ... inner at
   // their last index to the start of the next one.
+  // Each is the distance between two elements of the operand, which fits in 32 bits;
+  // the product on the way does not always.
   for (int k = inner; k < m; ++k) {
-    ca[k] = k == inner ? a[k] : ca[k - 1] + a[k] - r[k - 1] * a[k - 1];
-    cb[k] = k == inner ? b[k] : cb[k - 1] + b[k] - r[k - 1] * b[k - 1];
+    ca[k] =
+        k == inner
+            ? a[k]
+            : static_cast<int>(ca[k - 1] + a[k] - static_cast<std::int64_t>(r[k - 1]) * a[k - 1]);
+    cb[k] =
+        k == inner
+            ? b[k]
+            : static_cast<int>(cb[k - 1] + b[k] - static_cast<std::int64_t>(r[k - 1]) * b[k - 1]);
     count[k] = 0;
   }
   // Reversed lines stepping up to the next: prefetch distance of about 4 KiB (whole lines).
@@ -304,28 +313,37 @@ bool RunLine(int count, A* a, int sa, B* b, int sb, G g) {
   } else if (sa == 1 && sb == -1) {
     for (int i = 0; i < count; ++i) g(a[i], b[-i]);
   } else if (sa == 1) {
-    for (int i = 0, ib = 0; i < count; ++i, ib += sb) g(a[i], b[ib]);
+    std::ptrdiff_t ib = 0;
+    for (int i = 0; i < count; ++i, ib += sb) g(a[i], b[ib]);
   } else if (sa == -1 && sb == -1) {
     for (int i = 0; i < count; ++i) g(a[-i], b[-i]);
   } else {
-    for (int i = 0, ia = 0, ib = 0; i < count; ++i, ia += sa, ib += sb) g(a[ia], b[ib]);
+    // The index one step past a line's end need not fit in 32 bits.
+    std::ptrdiff_t ia = 0;
+    std::ptrdiff_t ib = 0;
+    for (int i = 0; i < count; ++i, ia += sa, ib += sb) g(a[ia], b[ib]);
   }
   return true;
 }
 
-// Whether the element ranges of two arrays meet.
+// Whether the element ranges of two arrays meet (arrays without elements meet nothing).
 inline bool NDOverlap(const zrArrayNDAbs& x, const zrArrayNDAbs& y) {
   const auto lo = [](const zrArrayNDAbs& z) {
-    return reinterpret_cast<std::intptr_t>(z.Pointer()) + z.ByteNegativeLength();
+    return reinterpret_cast<std::intptr_t>(z.Pointer()) +
+           static_cast<std::intptr_t>(z.NegativeLength()) * z.GetSizeOfType();
   };
   const auto hi = [](const zrArrayNDAbs& z) {
-    return reinterpret_cast<std::intptr_t>(z.Pointer()) + z.BytePositiveLength();
+    return reinterpret_cast<std::intptr_t>(z.Pointer()) +
+           static_cast<std::intptr_t>(z.PositiveLength()) * z.GetSizeOfType();
   };
-  return lo(x) < hi(y) && lo(y) < hi(x);
+  return x.GetSize() > 0 && y.GetSize() > 0 && lo(x) < hi(y) && lo(y) < hi(x);
 }
 
 [[noreturn]] inline void ThrowEmptyND() { throw BadParameters("ArrayND range is empty."); }
 [[noreturn]] inline void ThrowAxisND() { throw BadParameters("out of range of dimension"); }
+[[noreturn]] inline void ThrowRangeND() {
+  throw BadParameters("CheckPointer : Invalid pointer or range.");
+}
 
 // The element count for the sizes: a negative size is refused like a negative length,
 // a total beyond 32 bits as memory that cannot be had.
@@ -370,11 +388,15 @@ zrArrayND<T>& zrArrayND<T>::operator=(const zrArrayND& other) {
     return *this;
   }
   Init(other.Range());
-  const auto order = zr::detail::NDOverlap(*this, other) ? zr::detail::NDOrder::kStorage
-                                                         : zr::detail::NDOrder::kAnyIfLead;
+  // A source that shares elements with the target is copied first, so that no element
+  // is read after it was written.
+  if (zr::detail::NDOverlap(*this, other)) {
+    const zrArrayND copy(other);
+    return *this = copy;
+  }
   zr::detail::WalkPair(
       GetDim(), Range().GetPointer(), p_, Tab().GetPointer(), other.p_, other.Tab().GetPointer(),
-      order,
+      zr::detail::NDOrder::kAnyIfLead,
       [](int n, T* a, int sa, const T* b, int sb) {
         return zr::detail::RunLine(n, a, sa, b, sb, [](T& x, const T& y) { x = y; });
       },
@@ -457,12 +479,17 @@ void zrArrayND<T>::Copy() {
 }
 
 template <class T>
-void zrArrayND<T>::View(const zrPArray& holder, T* origin, const zrArray<int>& range,
-                        const zrArray<int>& tab) {
+void zrArrayND<T>::View(const zrPArray& holder, const T* base, std::int64_t offset,
+                        const zrArray<int>& range, const zrArray<int>& tab) {
+  // An origin more than 32 bits of elements away cannot lie in any block; the origin
+  // is formed as an address, so that one outside the block is never pointer arithmetic.
+  if (offset < INT32_MIN || offset > INT32_MAX) zr::detail::ThrowRangeND();
+  const auto origin = reinterpret_cast<std::uintptr_t>(base) +
+                      static_cast<std::uintptr_t>(offset * static_cast<std::int64_t>(sizeof(T)));
   zrArrayND view;
   view.zrArrayNDAbs::Set(range, tab);
   view.SetMem(holder.GetMem());
-  view.p_ = origin;
+  view.p_ = reinterpret_cast<T*>(origin);
   view.CheckPointerWithThrow();
   Move(view);
 }
@@ -470,23 +497,23 @@ void zrArrayND<T>::View(const zrPArray& holder, T* origin, const zrArray<int>& r
 template <class T>
 void zrArrayND<T>::Set(const zrArrayND& source, int offset, const zrArray<int>& range,
                        const zrArray<int>& tab) {
-  View(source, source.p_ + offset, range, tab);
+  View(source, source.p_, offset, range, tab);
 }
 
 template <class T>
 void zrArrayND<T>::Set(const zrArrayND& source, int offset, const zrArray<int>& range) {
-  View(source, source.p_ + offset, range, source.Tab());
+  View(source, source.p_, offset, range, source.Tab());
 }
 
 template <class T>
 void zrArrayND<T>::Set(const zrArrayND& source) {
-  View(source, source.p_, source.Range(), source.Tab());
+  View(source, source.p_, 0, source.Range(), source.Tab());
 }
 
 template <class T>
 void zrArrayND<T>::SetDirectly(T* p, const zrArray<int>& range, const zrArray<int>& tab) {
   zrArrayND none;
-  View(none, p, range, tab);
+  View(none, p, 0, range, tab);
 }
 
 template <class T>
@@ -499,16 +526,22 @@ void zrArrayND<T>::SetSubWindow(const zrArrayND& source, const zrArray<int>& sta
                                 const zrArray<int>& range) {
   const zrArray<int>& tab = source.Tab();
   if (start.Len() != tab.Len()) throw BadParameters("Different dimension");
-  int offset = 0;
-  for (int k = 0; k < tab.Len(); ++k) offset += start[k] * tab[k];
-  Set(source, offset, range);
+  std::int64_t offset = 0;
+  for (int k = 0; k < tab.Len(); ++k) {
+    offset += static_cast<std::int64_t>(start[k]) * tab[k];
+    if (offset < INT32_MIN || offset > INT32_MAX) zr::detail::ThrowRangeND();
+  }
+  Set(source, static_cast<int>(offset), range);
 }
 
 template <class T>
 void zrArrayND<T>::Flip(int a) {
   if (a < 0 || a >= GetDim()) zr::detail::ThrowAxisND();
   zrArray<int> tab(Tab());
-  const int offset = (Range()[a] - 1) * tab[a];
+  // An axis without elements keeps the origin where it is.
+  const std::int64_t last = Range()[a] > 0 ? Range()[a] - 1 : 0;
+  if (tab[a] == INT32_MIN) zr::detail::ThrowRangeND();
+  const int offset = static_cast<int>(last * tab[a]);  // within the array's own extent
   tab[a] = -tab[a];
   Set(*this, offset, Range(), tab);
 }
@@ -537,7 +570,7 @@ void zrArrayND<T>::ReduceDimArrayND(const zrArrayND& source, int axis, int index
     tab[j] = source.Tab()[k];
     ++j;
   }
-  View(source, source.p_ + source.Tab()[axis] * index, range, tab);
+  View(source, source.p_, static_cast<std::int64_t>(source.Tab()[axis]) * index, range, tab);
 }
 
 template <class T>
@@ -556,10 +589,10 @@ template <class T>
 void zrArrayND<T>::MakeCoord(zrArray<int>& coord, const T* p) const {
   const int n = GetDim();
   coord.Init(n);
-  int off = static_cast<int>(p - p_);
+  std::int64_t off = p - p_;
   const zrArray<int>& tab = Tab();
   const auto step = [&off, &tab, &coord](int d) {
-    coord[d] = tab[d] != 0 ? off / tab[d] : 0;
+    coord[d] = tab[d] != 0 ? static_cast<int>(off / tab[d]) : 0;
     if (tab[d] != 0) off %= tab[d];
   };
   if (n == 2 && tab[0] >= tab[1]) {
@@ -626,7 +659,9 @@ int zrArrayND<T>::operator==(const zrArrayND& other) const {
   const bool equal = zr::detail::WalkPair(
       GetDim(), Range().GetPointer(), p_, Tab().GetPointer(), other.p_, other.Tab().GetPointer(),
       zr::detail::NDOrder::kAny, [](int n, const T* a, int sa, const T* b, int sb) {
-        for (int i = 0, ia = 0, ib = 0; i < n; ++i, ia += sa, ib += sb)
+        std::ptrdiff_t ia = 0;
+        std::ptrdiff_t ib = 0;
+        for (int i = 0; i < n; ++i, ia += sa, ib += sb)
           if (!(a[ia] == b[ib])) return false;
         return true;
       });
@@ -692,7 +727,8 @@ T zrArrayND<T>::Median() const {
     zr::detail::WalkPair(GetDim(), Range().GetPointer(), p_, tab, p_, tab,
                          zr::detail::NDOrder::kStorage,
                          [&out](int n, const T* a, int sa, const T*, int) {
-                           for (int i = 0, ia = 0; i < n; ++i, ia += sa) *out++ = a[ia];
+                           std::ptrdiff_t ia = 0;
+                           for (int i = 0; i < n; ++i, ia += sa) *out++ = a[ia];
                            return true;
                          });
   }
@@ -720,7 +756,8 @@ int zrArrayND<T>::ToMem(unsigned char* buffer) const {
                              out += static_cast<std::size_t>(n) * sizeof(T);
                              return true;
                            }
-                           for (int i = 0, ia = 0; i < n; ++i, ia += sa, out += sizeof(T))
+                           std::ptrdiff_t ia = 0;
+                           for (int i = 0; i < n; ++i, ia += sa, out += sizeof(T))
                              std::memcpy(out, a + ia, sizeof(T));
                            return true;
                          });
@@ -742,7 +779,8 @@ int zrArrayND<T>::FromMem(const unsigned char* buffer) {
                              in += static_cast<std::size_t>(n) * sizeof(T);
                              return true;
                            }
-                           for (int i = 0, ia = 0; i < n; ++i, ia += sa, in += sizeof(T))
+                           std::ptrdiff_t ia = 0;
+                           for (int i = 0; i < n; ++i, ia += sa, in += sizeof(T))
                              std::memcpy(static_cast<void*>(a + ia), in, sizeof(T));
                            return true;
                          });

@@ -1,5 +1,7 @@
 #include "zr/ndarray/round_array_nd.h"
 
+#include <cstdint>
+
 ZR_DEFINE_TYPE_IDENTITY(zrRoundArrayND)
 
 zrRoundArrayND::zrRoundArrayND(const zrArrayNDAbs& array)
@@ -7,6 +9,14 @@ zrRoundArrayND::zrRoundArrayND(const zrArrayNDAbs& array)
 
 zrRoundArrayND::zrRoundArrayND(const zrArray<int>& range, const zrArray<int>& tab)
     : range_(&range), tab_(&tab) {
+  // Every Pos the cursor can take, past the end included, lies within the sum of
+  // |size * stride|: kept within 32 bits, no step can overflow.
+  std::int64_t reach = 0;
+  for (int k = 0; k < range.Len(); ++k) {
+    const std::int64_t step = static_cast<std::int64_t>(range[k]) * tab[k];
+    reach += step < 0 ? -step : step;
+    if (k >= tab.Len() || reach > INT32_MAX) throw BadParameters("zrRoundArrayND : Out of range.");
+  }
   if (range.Len() > 0) Set(range.Len(), 0);
 }
 
@@ -40,13 +50,16 @@ void zrRoundArrayND::ToEnd() {
 void zrRoundArrayND::SetPos(zrArray<int>& coords) {
   const int n = Len();
   if (coords.Len() < n) throw BadParameters("zrRoundArrayND : Out of range.");
-  for (int k = 0; k < n; ++k)
+  std::int64_t pos = pos_;
+  for (int k = 0; k < n; ++k) {
     if (coords[k] < 0 || coords[k] >= (*range_)[k])
       throw BadParameters("zrRoundArrayND : Out of range.");
-  for (int k = 0; k < n; ++k) {
-    (*this)[k] = coords[k];
-    pos_ += (*tab_)[k] * coords[k];
+    pos += static_cast<std::int64_t>((*tab_)[k]) * coords[k];
   }
+  // Pos is added to, so repeated calls could leave the 32-bit range.
+  if (pos < INT32_MIN || pos > INT32_MAX) throw BadParameters("zrRoundArrayND : Out of range.");
+  for (int k = 0; k < n; ++k) (*this)[k] = coords[k];
+  pos_ = static_cast<int>(pos);
 }
 
 int zrRoundArrayND::operator++() {

@@ -27,7 +27,10 @@ class ZR_API zrRoundArrayND : public zrArray<int> {
  public:
   /// All coordinates 0, Pos 0, over the array's Range() and Tab().
   explicit zrRoundArrayND(const zrArrayNDAbs& array);
-  /// The same over explicit sizes and strides (one coordinate per size).
+  /// The same over explicit sizes and strides (one coordinate per size). Sizes and
+  /// strides whose sum of |size * stride| passes INT32_MAX (a position the cursor could
+  /// reach, past the end included, would not fit Pos), or fewer strides than sizes,
+  /// throw "zrRoundArrayND : Out of range.".
   zrRoundArrayND(const zrArray<int>& range, const zrArray<int>& tab);
   /// Copies the coordinates, the references and Pos.
   zrRoundArrayND(const zrRoundArrayND& other);
@@ -40,7 +43,8 @@ class ZR_API zrRoundArrayND : public zrArray<int> {
   /// dimension.
   void ToEnd();
   /// Copies the coordinates (each must lie in 0 ... size - 1, else "zrRoundArrayND : Out
-  /// of range.", and the cursor is left as it was) and adds their offset to Pos.
+  /// of range.", and the cursor is left as it was) and adds their offset to Pos (a sum
+  /// outside the 32-bit range is refused the same way).
   void SetPos(zrArray<int>& coords);
   int GetPos() const { return pos_; }
 
