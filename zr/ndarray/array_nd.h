@@ -57,7 +57,8 @@
 ///     write through it hits the same element once per index;
 ///   - operator= from a source that shares elements with the target (an overlapping
 ///     window of the same block, the target's own flip or axis exchange) gives the result
-///     of assigning a copy of the source; the compound operators keep storage order;
+///     of assigning a copy of the source, and so do the compound operators (+=, -=, *=,
+///     /= with an array);
 ///   - Flip of an axis of size 0 leaves the origin where it is;
 ///   - operator== compares elements at equal multi-indices in any order; arrays of
 ///     different sizes (or dimension counts) are unequal.

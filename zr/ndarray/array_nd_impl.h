@@ -618,11 +618,17 @@ template <zr::detail::NDOp op, class F>
 void zrArrayND<T>::EachPair(const zrArrayND& other, F f) {
   if (GetDim() != other.GetDim()) throw BadParameters("Different dimension");
   if (!(Range() == other.Range())) throw BadParameters("Different range");
-  const auto order = zr::detail::NDOverlap(*this, other) ? zr::detail::NDOrder::kStorage
-                                                         : zr::detail::NDOrder::kAnyIfLead;
+  // A source that shares elements with the target is read whole first, as operator=
+  // does; only the array itself as its own operand needs no copy (each element meets
+  // itself alone).
+  if (zr::detail::NDOverlap(*this, other) && !(p_ == other.p_ && Tab() == other.Tab())) {
+    const zrArrayND copy(other);
+    EachPair<op>(copy, f);
+    return;
+  }
   zr::detail::WalkPair(
       GetDim(), Range().GetPointer(), p_, Tab().GetPointer(), other.p_, other.Tab().GetPointer(),
-      order,
+      zr::detail::NDOrder::kAnyIfLead,
       [f](int n, T* a, int sa, const T* b, int sb) {
         return zr::detail::RunLine(n, a, sa, b, sb, f);
       },
