@@ -279,3 +279,17 @@ TEST(SimpleArray, AssignmentFromAnOverlappingWindowReadsTheSourceFirst) {
   tail = c.Left(3);
   EXPECT_EQ(Values(c), (V{0, 0, 1, 2}));
 }
+
+// A view that holds another array's block lies inside that block.
+TEST(SimpleArray, ViewsHoldingABlockStayInsideIt) {
+  zrSimpleArray<int> a(4, 1), v;
+  v.SetDirectly(a.GetPointer() + 1, 3, a);
+  v.SetDirectly(a.GetPointer() + 4, 0, a);  // no elements, at the end
+  EXPECT_TRUE(v.GetMem() == a.GetMem() && a.GetNumOfRef() == 1);
+  const std::string text = "Invalid parameters : zrSimpleArray<T>::SetDirectly : out of range.";
+  for (const auto& c : {std::pair(2, 3), std::pair(-1, 1), std::pair(5, 0), std::pair(0, -1)})
+    EXPECT_EQ(
+        zr_test::BadParametersText([&] { v.SetDirectly(a.GetPointer() + c.first, c.second, a); }),
+        text);
+  EXPECT_TRUE(v.GetPointer() == a.GetPointer() + 4 && v.Len() == 0);
+}

@@ -277,3 +277,34 @@ TEST(Matrix, ViewsBeyondThirtyTwoBitExtentsAreRefused) {
   w.SetDirectly(cell + 3, 2, 2, -big / 2, -big / 2);
   EXPECT_EQ(w.NegativeLength(), -big);
 }
+
+// A sub-matrix of a matrix with a block lies inside that block, transposed or not; one row
+// or column past either end is refused and leaves the target as it was.
+TEST(Matrix, SubMatricesStayInsideTheirBlock) {
+  const std::string set = kPrefix + "zrMatrix<T>::Set : out of range.";
+  M m(3, 4), inner, w;
+  for (int i = 0; i < 12; ++i) m.GetPointer()[i] = i;
+  inner.Set(m, 1, 1, 1, 2);  // the block reaches beyond it on every side
+  const M t = m.T();
+  struct Window {
+    const M* src;
+    int row, col, rows, cols;
+    bool inside;
+  };
+  for (const Window& c : {Window{&inner, -1, -1, 3, 4, true}, Window{&inner, -2, -1, 1, 4, false},
+                          Window{&inner, -1, -1, 3, 5, false}, Window{&inner, 1, 2, 1, 1, true},
+                          Window{&inner, 2, 2, 1, 1, false}, Window{&inner, 1, 3, 0, 0, true},
+                          Window{&t, 0, 0, 4, 3, true}, Window{&t, 1, 0, 4, 3, false},
+                          Window{&t, 0, 1, 4, 3, false}}) {
+    w = M(1, 1);
+    w(0, 0) = 7;
+    if (c.inside) {
+      w.Set(*c.src, c.row, c.col, c.rows, c.cols);
+      EXPECT_TRUE(w.GetMem() == m.GetMem() && w.LineLen() == c.cols) << c.row << " " << c.col;
+    } else {
+      EXPECT_EQ(BadParametersText([&] { w.Set(*c.src, c.row, c.col, c.rows, c.cols); }), set)
+          << c.row << " " << c.col << " " << c.rows << " " << c.cols;
+      EXPECT_EQ(w(0, 0), 7);
+    }
+  }
+}

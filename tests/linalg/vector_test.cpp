@@ -234,3 +234,46 @@ TEST(Vector, OverlappingSourcesAreReadBeforeTheyAreWritten) {
   next = row;
   EXPECT_TRUE(m(0, 1) == 6 && m(0, 2) == 1 && m(1, 0) == 2);
 }
+
+// A window of a vector with a block lies inside that block: windows that touch either end
+// are made, one element past either end (or a reversed run reaching before the start) is
+// refused and leaves the target as it was. Outside storage has no block to check against.
+TEST(Vector, WindowsStayInsideTheirBlock) {
+  const std::string set = "Invalid parameters : zrVector<T>::Set : out of range.";
+  zrVector<double> v = Of({0, 1, 2, 3, 4, 5}), mid, w;
+  v.Mid(mid, 1, 4);  // elements 1 ... 4; the block reaches one further each way
+  struct Window {
+    int start, len, step;
+    bool inside;
+  };
+  for (const Window& c : {Window{-1, 6, 1, true}, Window{-2, 1, 1, false}, Window{0, 5, 1, true},
+                          Window{0, 6, 1, false}, Window{4, 3, -2, true}, Window{4, 4, -2, false},
+                          Window{-1, 2, 5, true}, Window{-1, 2, 6, false}, Window{5, 0, 1, true},
+                          Window{6, 0, 1, false}, Window{4, 9, 0, true}, Window{5, 9, 0, false}}) {
+    w = Of({7});
+    if (c.inside) {
+      w.Set(mid, c.start, c.len, c.step);
+      EXPECT_TRUE(w.GetMem() == v.GetMem() && w.Len() == c.len) << c.start << " " << c.len;
+      if (c.len > 0) {
+        EXPECT_EQ(w[0], 1 + c.start);
+      }
+    } else {
+      EXPECT_EQ(BadParametersText([&] { w.Set(mid, c.start, c.len, c.step); }), set)
+          << c.start << " " << c.len << " " << c.step;
+      EXPECT_TRUE(w.Len() == 1 && w[0] == 7);
+    }
+  }
+
+  // The held block bounds a view of raw elements as well, whatever its element type.
+  zrArray<char> bytes(16, 0);
+  EXPECT_NO_THROW(w.SetDirectly(reinterpret_cast<double*>(bytes.GetPointer()), 2, 1, bytes));
+  EXPECT_EQ(BadParametersText([&] {
+              w.SetDirectly(reinterpret_cast<double*>(bytes.GetPointer() + 8), 2, 1, bytes);
+            }),
+            "Invalid parameters : zrVector<T>::SetDirectly : out of range.");
+  double outside[2] = {5, 6};
+  zrVector<double> raw;
+  raw.SetDirectly(outside, 2, 1);
+  w.Set(raw, 1, 5, 1);  // no block: not checked, as for SetDirectly itself
+  EXPECT_EQ(w.GetPointer(), outside + 1);
+}

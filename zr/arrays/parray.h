@@ -123,3 +123,37 @@ class ZR_API zrPArray : public zrRefCount {
 inline int zrMemSize(const zrPArray& a) { return a.MemSize(); }
 inline int zrToMem(unsigned char* buffer, const zrPArray& a) { return a.ToMem(buffer); }
 inline int zrFromMem(const unsigned char* buffer, zrPArray& a) { return a.FromMem(buffer); }
+
+namespace zr::detail {
+
+// Whether a view lies in the block that will hold it: its element 0 is `offset` elements
+// of `size` bytes from `origin`, and its elements reach from `low` to `high` elements
+// around element 0 (low <= 0 <= high). A view of no elements may stand anywhere from the
+// block's start to its end. Worked out on addresses as numbers, before the view is
+// formed; without a block (outside storage) there is nothing to check against.
+inline bool ViewInBlock(const void* block, std::int64_t block_bytes, const void* origin,
+                        std::int64_t offset, std::int64_t size, bool empty, std::int64_t low,
+                        std::int64_t high) {
+  if (!block) return true;
+  const auto from = static_cast<std::int64_t>(reinterpret_cast<std::uintptr_t>(origin) -
+                                              reinterpret_cast<std::uintptr_t>(block));
+  const std::int64_t at = from + offset * size;
+  if (empty) return at >= 0 && at <= block_bytes;
+  return at + low * size >= 0 && at + (high + 1) * size <= block_bytes;
+}
+
+// The same for a run of n elements with the given step.
+inline bool RunInBlock(const void* block, std::int64_t block_bytes, const void* origin,
+                       std::int64_t offset, std::int64_t size, int n, int step) {
+  const std::int64_t last = static_cast<std::int64_t>(n > 0 ? n - 1 : 0) * step;
+  return ViewInBlock(block, block_bytes, origin, offset, size, n == 0, last < 0 ? last : 0,
+                     last > 0 ? last : 0);
+}
+
+// The bytes of the block that holder holds (0 without one).
+inline std::int64_t BlockBytes(const zrPArray& holder) {
+  const void* const block = holder.GetMem();
+  return block ? std::int64_t{BlockCount(block)} * holder.GetSizeOfType() : 0;
+}
+
+}  // namespace zr::detail

@@ -99,8 +99,10 @@ class ZR_API zrSimpleArray : public zrPArray {
   /// Releases the block and views n elements at p without owning them.
   void SetDirectly(T* p, int n);
   /// Views n elements at p and holds holder's block (counted; none when holder has none),
-  /// releasing its own: the view keeps that block alive and shares its elements. p must lie
-  /// in holder's elements; nothing is checked.
+  /// releasing its own: the view keeps that block alive and shares its elements. The n
+  /// elements must lie in holder's block, else (or for n < 0)
+  /// "zrSimpleArray<T>::SetDirectly : out of range." and nothing changes; a holder without
+  /// a block checks nothing.
   void SetDirectly(T* p, int n, const zrPArray& holder);
   /// Moves the origin only.
   void SetPointer(T* p) { p_ = p; }

@@ -307,6 +307,9 @@ void zrSimpleArray<T>::SetDirectly(T* p, int n) {
 
 template <class T>
 void zrSimpleArray<T>::SetDirectly(T* p, int n, const zrPArray& holder) {
+  if (n < 0 || !zr::detail::RunInBlock(holder.GetMem(), zr::detail::BlockBytes(holder), p, 0,
+                                       sizeof(T), n, 1))
+    throw BadParameters("zrSimpleArray<T>::SetDirectly : out of range.");
   SetMem(holder.GetMem());
   p_ = p;
   n_ = n;

@@ -131,7 +131,9 @@ class ZR_API zrMatrix : public zrPArray {
   /// Set(rows, cols) only when a size differs; otherwise contents and sharing stay.
   void Init(int rows, int cols);
   /// A sub-matrix view: first element src(row, col), rows x cols, src's steps; holds src's
-  /// block. The range is not checked against src, but the view must fit 32-bit extents:
+  /// block. The view may reach past src's elements but not past its block: an element
+  /// outside the block throws "zrMatrix<T>::Set : out of range." (a source without a block
+  /// is not checked). The view must also fit 32-bit extents:
   /// a negative size, an offset row * TabInColumn() + col * TabInLine(), a row or column
   /// run (cols * step in line, rows * step in column) or a reach of the view outside the
   /// 32-bit range throws "zrMatrix<T>::Set : out of range." and changes nothing.

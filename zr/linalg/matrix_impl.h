@@ -119,15 +119,24 @@ bool AnyZeroDiagonal(TT** rows, int n, int step) {
 // extents: neither size negative, the row and column runs cols * a and rows * c (the
 // lengths of the vectors GetLine and GetColumn hand out) and the view's extents beyond
 // its first element, offset by `offset` elements, all within 32 bits.
+// The element offsets [low, high] around element 0 that a rows x cols view with steps a
+// (along a line) and c (down a column) reaches; both 0 for a view of no elements.
+inline void MatrixReach(int rows, int cols, int a, int c, std::int64_t& low, std::int64_t& high) {
+  low = high = 0;
+  if (rows <= 0 || cols <= 0) return;
+  const std::int64_t along = static_cast<std::int64_t>(cols - 1) * a;
+  const std::int64_t down = static_cast<std::int64_t>(rows - 1) * c;
+  low = (along < 0 ? along : 0) + (down < 0 ? down : 0);
+  high = (along > 0 ? along : 0) + (down > 0 ? down : 0);
+}
+
 inline bool MatrixFits(std::int64_t offset, int rows, int cols, int a, int c) {
   if (rows < 0 || cols < 0 || !Fits32(offset)) return false;
   if (!RunFits(cols, a) || !RunFits(rows, c)) return false;
   if (rows == 0 || cols == 0) return true;
-  const std::int64_t along = static_cast<std::int64_t>(cols - 1) * a;
-  const std::int64_t down = static_cast<std::int64_t>(rows - 1) * c;
-  const std::int64_t low = (along < 0 ? along : 0) + (down < 0 ? down : 0);
-  const std::int64_t high = (along > 0 ? along : 0) + (down > 0 ? down : 0) + 1;
-  return Fits32(offset + low) && Fits32(offset + high);
+  std::int64_t low = 0, high = 0;
+  MatrixReach(rows, cols, a, c, low, high);
+  return Fits32(offset + low) && Fits32(offset + high + 1);
 }
 
 // Whether two views of equal size may share an element: the bytes they span meet.
@@ -242,7 +251,11 @@ void zrMatrix<TT>::Set(const zrMatrix& src, int row, int col, int rows, int cols
   const int c = src.step_column_;
   const std::int64_t offset =
       static_cast<std::int64_t>(row) * c + static_cast<std::int64_t>(col) * a;
-  if (!zr::detail::MatrixFits(offset, rows, cols, a, c))
+  std::int64_t low = 0, high = 0;
+  zr::detail::MatrixReach(rows, cols, a, c, low, high);
+  if (!zr::detail::MatrixFits(offset, rows, cols, a, c) ||
+      !zr::detail::ViewInBlock(src.GetMem(), zr::detail::BlockBytes(src), src.p_, offset,
+                               sizeof(TT), rows == 0 || cols == 0, low, high))
     throw BadParameters("zrMatrix<T>::Set : out of range.");
   TT* const first = src.p_ + offset;
   SetMem(src.GetMem());

@@ -57,8 +57,12 @@
 /// an offset start * src's step, an extent length * step or their sum outside the 32-bit
 /// range, with "zrVector<T>::Set : out of range."; SetDirectly refuses a negative length
 /// or an extent length * step outside that range with "zrVector<T>::SetDirectly : out of
-/// range.". Beyond that, element access, the windows of Set and SetDirectly and the scalar
-/// operators check nothing (a window of Set may lie outside src's elements).
+/// range.". A window never reaches outside the block it holds: Set refuses a window with
+/// an element outside src's block (it may lie outside src's own elements, inside the
+/// block), and SetDirectly with a holder one outside the holder's block, with the same
+/// texts. Storage without a block (SetDirectly with no holder, and windows of such views)
+/// is the caller's: nothing can be checked there. Element access and the scalar operators
+/// check nothing.
 ///
 /// Flat form: the length as a signed 32-bit little-endian integer, then the elements in
 /// index order, packed, each in its raw form (8, 16 or 24 bytes): 4 + n * sizeof(T)
@@ -141,9 +145,11 @@ class ZR_API zrVector : public zrPArray {
   void ReSet(int n);
   void resize(int n) { ReSet(n); }
   /// A window onto src: first element src[start], length len, src's step; holds src's
-  /// block. The range is not checked against src (Left, Right and Mid check theirs), but
-  /// a negative len and offsets or extents beyond 32 bits throw "zrVector<T>::Set : out of
-  /// range." and change nothing.
+  /// block. The window may reach past src's elements but not past its block: an element
+  /// outside the block, a negative len, or offsets or extents beyond 32 bits throw
+  /// "zrVector<T>::Set : out of range." and change nothing. A window of no elements may
+  /// stand anywhere from the block's start to its end. A source without a block is not
+  /// checked.
   void Set(const zrVector& src, int start, int len);
   void SetSubWindow(const zrVector& src, int start, int len) { Set(src, start, len); }
   /// The same with the given step, taken as it stands in elements of the storage: it is
@@ -156,8 +162,9 @@ class ZR_API zrVector : public zrPArray {
   void SetDirectly(T* data, int len, int step);
   /// Views len elements at data with the given step and holds holder's block (counted;
   /// none when holder has none), releasing its own: the view keeps that block alive and
-  /// its writes reach every sharer. data must lie in holder's elements; nothing is
-  /// checked. This is how matrices hand out row, column and diagonal views.
+  /// its writes reach every sharer. Every element must lie in holder's block, else
+  /// "zrVector<T>::SetDirectly : out of range." and nothing changes (a holder without a
+  /// block checks nothing). This is how matrices hand out row, column and diagonal views.
   void SetDirectly(T* data, int len, int step, const zrPArray& holder);
   /// Holds another block: the current one is released (freed when this was its last
   /// holder) and the new one counted. The same block again changes nothing. The window

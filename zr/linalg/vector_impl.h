@@ -227,7 +227,9 @@ template <class T>
 void zrVector<T>::Set(const zrVector& src, int start, int len, int step) {
   const std::int64_t offset = static_cast<std::int64_t>(start) * src.step_;
   if (!zr::detail::Fits32(offset) || !zr::detail::RunFits(len, step) ||
-      !zr::detail::Fits32(offset + static_cast<std::int64_t>(len) * step))
+      !zr::detail::Fits32(offset + static_cast<std::int64_t>(len) * step) ||
+      !zr::detail::RunInBlock(src.GetMem(), zr::detail::BlockBytes(src), src.p_, offset, sizeof(T),
+                              len, step))
     throw BadParameters("zrVector<T>::Set : out of range.");
   T* const first = src.p_ + offset;
   SetMem(src.GetMem());
@@ -248,7 +250,9 @@ void zrVector<T>::SetDirectly(T* data, int len, int step) {
 
 template <class T>
 void zrVector<T>::SetDirectly(T* data, int len, int step, const zrPArray& holder) {
-  if (!zr::detail::RunFits(len, step))
+  if (!zr::detail::RunFits(len, step) ||
+      !zr::detail::RunInBlock(holder.GetMem(), zr::detail::BlockBytes(holder), data, 0, sizeof(T),
+                              len, step))
     throw BadParameters("zrVector<T>::SetDirectly : out of range.");
   SetMem(holder.GetMem());
   p_ = data;
