@@ -240,19 +240,17 @@ void zrArrayNDAbs::Set(const zrArray<int>& range, const zrArray<int>& tab) {
   zrArray<int> t(tab);
   // The new geometry must keep the array inside its block (an array without one passes);
   // otherwise the old geometry comes back and the array is as it was.
-  range_.swap(r);
-  tab_.swap(t);
-  for_tab_.swap(f);
-  std::swap(end_pos_, end);
-  std::swap(size_, size);
-  std::swap(con_, con);
-  if (!CheckPointer()) {
+  const auto exchange = [&] {
     range_.swap(r);
     tab_.swap(t);
     for_tab_.swap(f);
     std::swap(end_pos_, end);
     std::swap(size_, size);
     std::swap(con_, con);
+  };
+  exchange();
+  if (!CheckPointer()) {
+    exchange();
     throw BadParameters(kRangeText);
   }
 }
