@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstdint>
 #include <random>
 #include <string>
 #include <vector>
@@ -267,6 +268,10 @@ TEST(SplineTest, CubicFromXAndYRefusesBadData) {
   EXPECT_EQ(few, cubic({}, {}));
   EXPECT_EQ(
       few, BadParametersText([] { (void)S::Cubic(nullptr, nullptr, -1, zrSplineEnd::Natural()); }));
+  // More points than the spline's one block holds: refused before any is read.
+  const double three[3] = {0, 1, 2};
+  EXPECT_THROW((void)S::Cubic(three, three, INT32_MAX / 6 + 1, zrSplineEnd::Natural()),
+               zrErrNoMemory);
   const std::string order = "Invalid parameters : zrSpline: x must be strictly increasing.";
   EXPECT_EQ(order, cubic({0, 1, 1, 2}, {0, 1, 1, 0}));  // the full interface's "error in spline"
   EXPECT_EQ(order, cubic({0, 2, 1}, {0, 1, 0}));

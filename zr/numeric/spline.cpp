@@ -389,6 +389,9 @@ template <class TT>
 void zrSpline<TT>::MakeCubic(const TT* x, int xStep, const TT* y, int yStep, int n,
                              const zrSplineEnd& end) {
   if (n < 3) throw BadParameters("Spline: number of point must be >= 3");
+  // The records are one block of 32-bit count: more points cannot be held.
+  if (n > INT32_MAX / kRecord)
+    throw zrErrNoMemory(static_cast<std::uint64_t>(n) * kRecord * sizeof(TT));
   const auto xAt = [x, xStep](int i) { return x[static_cast<std::int64_t>(i) * xStep]; };
   const auto yAt = [y, yStep](int i) { return y[static_cast<std::int64_t>(i) * yStep]; };
   for (int i = 1; i < n; ++i)
