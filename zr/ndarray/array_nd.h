@@ -295,6 +295,7 @@ class ZR_API zrArrayND : public zrArrayNDAbs {
   T& at(int i, int j, int k) const;
   T& at(int i, int j, int k, int l) const;
   T& at(const zrArray<int>& index) const;
+
   /// The multi-index of the element at p: dimensions taken from the last to the first,
   /// coord[d] = off / Tab[d], off = off % Tab[d] (truncating). That inverts the offset
   /// rule for dense strides, which grow with the dimension number, and is kept for

@@ -149,6 +149,7 @@ class ZR_API zrSpline : public zrUsingNew {
   ///   "zrSpline: periodic y must end at its first value." (Periodic() only: y[n-1] more
   ///     than the check's 0.01 away from y[0]; the periodic spline takes y[0] there)
   /// and then, as from the builder, "error in spline" when the built spline fails Check().
+  /// More points than one block of records holds (INT32_MAX / 6) throw zrErrNoMemory.
   static zrSpline Cubic(const zrSimpleArray<TT>& x, const zrSimpleArray<TT>& y,
                         const zrSplineEnd& end);
   /// The same from vectors, read through their steps.
