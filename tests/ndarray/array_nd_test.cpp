@@ -455,3 +455,74 @@ TEST(ArrayND, AssignmentFromAnOverlappingViewCopiesTheSourceFirst) {
   EXPECT_EQ(Walk(square), D({1, 4, 7, 2, 5, 8, 3, 6, 9}));
   EXPECT_EQ(turned.GetNumOfRef(), 1);  // the block is still shared
 }
+
+// a(i, j, k) addresses the element the array's strides address, on every kind of view;
+// at() is the same element after its checks.
+TEST(ArrayND, ElementAccessByIndicesFollowsTheView) {
+  A a = Counting<double>(I({4, 3, 2}));  // a(i, j, k) = 1 + i + 4j + 12k
+  A flipped, swapped, window;
+  flipped.Set(a);
+  flipped.Flip(0);
+  swapped.Set(a);
+  swapped.SwapAxis(0, 2);  // sizes 2, 3, 4
+  window.SetSubWindow(a, I({1, 1, 0}), I({2, 2, 2}));
+  for (int k = 0; k < 2; ++k) {
+    for (int j = 0; j < 3; ++j) {
+      for (int i = 0; i < 4; ++i) {
+        EXPECT_EQ(a(i, j, k), 1 + i + 4 * j + 12 * k) << i << j << k;
+        EXPECT_EQ(&a.at(i, j, k), &a(i, j, k));
+        EXPECT_EQ(&a(I({i, j, k})), &a(i, j, k));
+        EXPECT_EQ(&a.at(I({i, j, k})), &a(i, j, k));
+        EXPECT_EQ(&flipped.at(i, j, k), &a(3 - i, j, k));
+        EXPECT_EQ(&swapped.at(k, j, i), &a(i, j, k));
+        if (i < 2 && j < 2) {
+          EXPECT_EQ(&window.at(i, j, k), &a(1 + i, 1 + j, k));
+        }
+      }
+    }
+  }
+  // The indices in storage order give the walk of the view.
+  std::vector<double> walked;
+  for (int i = 0; i < 4; ++i)
+    for (int j = 0; j < 3; ++j)
+      for (int k = 0; k < 2; ++k) walked.push_back(swapped(k, j, i));
+  EXPECT_EQ(Walk(swapped), walked);
+
+  // A write through a view reaches the base; one and four dimensions.
+  A b = Counting<double>(I({3, 2}));  // rows (1 2 3) (4 5 6)
+  A turned;
+  turned.Set(b);
+  turned.Flip(1);
+  turned.SwapAxis(0, 1);  // sizes 2, 3: turned(i, j) = b(j, 1 - i)
+  turned(0, 2) = -5;
+  turned.at(1, 0) = -6;
+  EXPECT_EQ(Walk(b), D({-6, 2, 3, 4, 5, -5}));
+  A line;
+  line.SetSubWindow(b, I({1, 0}), I({2, 2}));
+  A row;
+  row.ReduceDimArrayND(line, 1, 1);  // b's second row from index 1
+  row(1) = 60;
+  EXPECT_EQ(row.at(0), 5);
+  EXPECT_EQ(b(2, 1), 60);
+  A four = Counting<double>(I({2, 3, 1, 2}));
+  EXPECT_EQ(four(1, 2, 0, 1), 1 + 1 + 2 * 2 + 6);
+  EXPECT_EQ(&four.at(1, 2, 0, 1), &four(I({1, 2, 0, 1})));
+
+  const std::string at = "Invalid parameters : zrArrayND::at: ";
+  EXPECT_EQ(at + "index 4 on axis 0 is outside [0, 4).", BadParametersText([&] { a.at(4, 0, 0); }));
+  EXPECT_EQ(at + "index -1 on axis 1 is outside [0, 3).",
+            BadParametersText([&] { a.at(0, -1, 0); }));
+  EXPECT_EQ(at + "index 2 on axis 2 is outside [0, 2).", BadParametersText([&] {
+              a.at(I({0, 0, 2}));
+            }));
+  EXPECT_EQ(at + "index 9 on axis 0 is outside [0, 4).", BadParametersText([&] { a.at(9, 9, 9); }));
+  // The view's own sizes: the swapped view is 2 long along axis 0.
+  EXPECT_EQ(at + "index 2 on axis 0 is outside [0, 2).",
+            BadParametersText([&] { swapped.at(2, 0, 0); }));
+  EXPECT_EQ(at + "2 indices for 3 dimensions.", BadParametersText([&] { a.at(0, 0); }));
+  EXPECT_EQ(at + "4 indices for 2 dimensions.", BadParametersText([&] { b.at(0, 0, 0, 0); }));
+  EXPECT_EQ(at + "1 indices for 2 dimensions.", BadParametersText([&] { b.at(I({0})); }));
+  EXPECT_EQ(at + "the array has no dimensions.", BadParametersText([] { A().at(zrArray<int>()); }));
+  const A none(I({3, 0}));
+  EXPECT_EQ(at + "index 0 on axis 1 is outside [0, 0).", BadParametersText([&] { none.at(0, 0); }));
+}

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstdint>
 #include <random>
 #include <string>
 #include <vector>
@@ -173,6 +174,162 @@ TEST(SplineTest, SegmentSearchMatchesTheScan) {
       const double at = k < n ? x[k] : std::uniform_real_distribution<double>(x[0], x[n - 1])(gen);
       EXPECT_EQ(ScanSegment(x, at), s.GetSegmentNum(at)) << round << ' ' << at;
     }
+  }
+}
+
+// The full interface's spline through (x, y): the points, then the builder.
+S Full(const std::vector<double>& x, const std::vector<double>& y, const zrSplineEnd& end) {
+  S s(MakePoints(x, y));
+  if (end.GetKind() == zrSplineEnd::kPeriodic) {
+    s.MkPeriodSpline3();
+  } else if (end.GetKind() == zrSplineEnd::kClamped) {
+    s.MkSpline3(Codes(3, 0), Values(end.Left(), end.Right(), 0, 0));
+  } else {
+    s.MkSpline3(Codes(0, 3), Values(0, 0, 0, 0));
+  }
+  return s;
+}
+
+zrArray<double> Array(const std::vector<double>& v) {
+  zrArray<double> a;
+  for (double e : v) a.push_back(e);
+  return a;
+}
+
+// Cubic from x and y is the full call, bit for bit, from arrays, strided vectors and
+// pointers, and the many-point evaluations are the single-point ones.
+TEST(SplineTest, CubicFromXAndYIsTheFullCall) {
+  std::mt19937 gen(2024);
+  std::uniform_real_distribution<double> step(0.05, 2.0), value(-3.0, 3.0);
+  for (int n : {3, 4, 7, 40}) {
+    std::vector<double> x(n, -2.5), y(n);
+    for (int i = 1; i < n; ++i) x[i] = x[i - 1] + step(gen);
+    for (int i = 0; i < n; ++i) y[i] = value(gen);
+    y[n - 1] = y[0];  // so that the periodic end applies too
+    const zrArray<double> xa = Array(x), ya = Array(y);
+    // The same values through steps of -1 and 2: y reversed, x every other of a buffer.
+    zrVector<double> xBuf(2 * n), yv;
+    for (int i = 0; i < n; ++i) xBuf[2 * i] = x[i], xBuf[2 * i + 1] = NAN;
+    zrVector<double> xv;
+    xv.Set(xBuf, 0, n, 2);
+    zrVector<double> yRev(n);
+    for (int i = 0; i < n; ++i) yRev[n - 1 - i] = y[i];
+    yv.Set(yRev, n - 1, n, -1);
+
+    for (const zrSplineEnd& end :
+         {zrSplineEnd::Natural(), zrSplineEnd::Clamped(0.75, -1.25), zrSplineEnd::Periodic()}) {
+      SCOPED_TRACE(testing::Message() << n << ' ' << end.GetKind());
+      const S full = Full(x, y, end);
+      const S fromArrays = S::Cubic(xa, ya, end);
+      const S fromVectors = S::Cubic(xv, yv, end);
+      const S fromPointers = S::Cubic(x.data(), y.data(), n, end);
+      std::vector<double> at;
+      for (int k = 0; k < 8 * n; ++k) at.push_back(x[0] + (x[n - 1] - x[0]) * k / (8 * n));
+      at.insert(at.end(), x.begin(), x.end());
+      std::shuffle(at.begin(), at.end(), gen);  // the hint must not need order
+      const zrArray<double> xs = Array(at);
+      zrArray<double> values, slopes;
+      fromArrays.Value(xs, values);
+      fromArrays.Derivative(xs, 1, slopes);
+      std::vector<double> curvature(at.size());
+      fromPointers.Derivative(at.data(), xs.Len(), 2, curvature.data());
+      for (int k = 0; k < xs.Len(); ++k) {
+        const double t = at[k];
+        const double v = full(t);
+        ASSERT_TRUE(zr_test::Bits(fromArrays(t)) == zr_test::Bits(v) &&
+                    zr_test::Bits(fromVectors(t)) == zr_test::Bits(v) &&
+                    zr_test::Bits(fromPointers(t)) == zr_test::Bits(v))
+            << n << ' ' << end.GetKind() << ' ' << t;
+        ASSERT_EQ(zr_test::Bits(values[k]), zr_test::Bits(v));
+        ASSERT_EQ(zr_test::Bits(slopes[k]), zr_test::Bits(full.Derivative(t, 1)));
+        ASSERT_EQ(zr_test::Bits(curvature[k]), zr_test::Bits(full.Derivative(t, 2)));
+      }
+    }
+  }
+  // The named conditions are the right ones: a natural end is straight, a clamped one
+  // has the given slope.
+  const std::vector<double> x = {0, 1, 2.5, 4}, y = {1, 3, 0, 2};
+  const S nat = S::Cubic(Array(x), Array(y), zrSplineEnd::Natural());
+  EXPECT_TRUE(nat.Derivative(2, 0) == 0 && nat.Derivative(2, 3) == 0);
+  const S clamped = S::Cubic(Array(x), Array(y), zrSplineEnd::Clamped(-1, 2));
+  EXPECT_NEAR(-1.0, clamped.Derivative(1, 0), 1e-12);
+  EXPECT_NEAR(2.0, clamped.Derivative(1, 3), 1e-12);
+}
+
+TEST(SplineTest, CubicFromXAndYRefusesBadData) {
+  const auto cubic = [](std::vector<double> x, std::vector<double> y,
+                        zrSplineEnd end = zrSplineEnd::Natural()) {
+    return BadParametersText([&] { (void)S::Cubic(Array(x), Array(y), end); });
+  };
+  EXPECT_EQ("Invalid parameters : zrSpline: x and y differ in length.",
+            cubic({0, 1, 2, 3}, {0, 1, 2}));
+  const std::string few = "Invalid parameters : Spline: number of point must be >= 3";
+  EXPECT_EQ(few, cubic({0, 1}, {0, 1}));
+  EXPECT_EQ(few, cubic({}, {}));
+  EXPECT_EQ(
+      few, BadParametersText([] { (void)S::Cubic(nullptr, nullptr, -1, zrSplineEnd::Natural()); }));
+  // More points than the spline's one block holds: refused before any is read.
+  const double three[3] = {0, 1, 2};
+  EXPECT_THROW((void)S::Cubic(three, three, INT32_MAX / 6 + 1, zrSplineEnd::Natural()),
+               zrErrNoMemory);
+  const std::string order = "Invalid parameters : zrSpline: x must be strictly increasing.";
+  EXPECT_EQ(order, cubic({0, 1, 1, 2}, {0, 1, 1, 0}));  // the full interface's "error in spline"
+  EXPECT_EQ(order, cubic({0, 2, 1}, {0, 1, 0}));
+  EXPECT_EQ(order, cubic({0, NAN, 2}, {0, 1, 0}));
+  const std::string ends = "Invalid parameters : zrSpline: periodic y must end at its first value.";
+  EXPECT_EQ(ends, cubic({0, 1, 2}, {0, 1, 0.5}, zrSplineEnd::Periodic()));
+  EXPECT_EQ(ends, cubic({0, 1, 2}, {0, 1, NAN}, zrSplineEnd::Periodic()));
+  // Within the check's tolerance the periodic spline is built, and takes y[0] at the end.
+  const S periodic = S::Cubic(Array({0, 1, 2}), Array({0, 1, 0.005}), zrSplineEnd::Periodic());
+  EXPECT_EQ(0.0, periodic(2.0));
+  // Data the builder's check refuses still gives its text.
+  EXPECT_EQ(kError, cubic({0, 1, 2}, {0, 1, INFINITY}));
+}
+
+// The outputs follow the arrays' rule: in place at the same length, a new block
+// otherwise; a refusal writes nothing; xs may be its own output.
+TEST(SplineTest, ManyPointsWriteInPlaceOrAFreshBlock) {
+  const S s = S::Cubic(Array({0, 1, 2, 3}), Array({0, 1, 0, 1}), zrSplineEnd::Natural());
+  const zrArray<double> xs = Array({0.5, 3, 0, 1.25});
+  std::vector<double> want;
+  for (int i = 0; i < xs.Len(); ++i) want.push_back(s(xs[i]));
+
+  zrArray<double> base(6, -7.0);
+  zrArray<double> window = base.Mid(1, 4);  // the same length as xs: written in place
+  s.Value(xs, window);
+  EXPECT_EQ(base[0], -7.0);
+  for (int i = 0; i < 4; ++i) EXPECT_EQ(base[1 + i], want[i]);
+  EXPECT_EQ(base[5], -7.0);
+
+  zrArray<double> shorter = base.Left(2);  // another length: a block of its own
+  s.Value(xs, shorter);
+  ASSERT_EQ(shorter.Len(), 4);
+  EXPECT_EQ(base[1], want[0]);
+  EXPECT_EQ(base.GetNumOfRef(), 1);  // held by base and window
+  for (int i = 0; i < 4; ++i) EXPECT_EQ(shorter[i], want[i]);
+
+  // Out of range anywhere: nothing written, the window keeps its values.
+  zrArray<double> bad = Array({0.5, 3.5, 1});
+  window.Fill(9.0);
+  EXPECT_EQ(kOutOfRange, BadParametersText([&] { s.Value(bad, window); }));
+  EXPECT_EQ(kOutOfRange, BadParametersText([&] { s.Derivative(bad, 1, window); }));
+  EXPECT_EQ("Invalid parameters : zrPolynom : wrong derivative order",
+            BadParametersText([&] { s.Derivative(zrArray<double>(), -1, window); }));
+  EXPECT_EQ(base[2], 9.0);
+  // Empty input: an empty output.
+  s.Value(zrArray<double>(), window);
+  EXPECT_EQ(window.Len(), 0);
+
+  // xs as its own output, and outputs overlapping xs one element on either side.
+  for (int shift : {0, 1, -1}) {
+    zrArray<double> buf(6, 0.0);
+    for (int i = 0; i < 4; ++i) buf[1 + i] = xs[i];
+    zrArray<double> in = buf.Mid(1, 4), out = buf.Mid(1 + shift, 4);
+    s.Value(in, out);
+    for (int i = 0; i < 4; ++i) EXPECT_EQ(buf[1 + shift + i], want[i]) << shift << i;
+    for (int i = 0; i < 4; ++i) buf[1 + i] = xs[i];
+    s.Value(buf.GetPointer() + 1, 4, buf.GetPointer() + 1 + shift);
+    for (int i = 0; i < 4; ++i) EXPECT_EQ(buf[1 + shift + i], want[i]) << shift << i;
   }
 }
 

@@ -5,7 +5,68 @@
 
 #include <zr/zr.h>
 
+#include <cstdio>
 #include <cstring>
+#include <vector>
+
+// The first example of "Using zr", main's body as the README shows it.
+TEST(Readme, UsingZrConveniences) {
+  std::vector<double> x = {0, 1, 2.5, 4}, y = {1, 3, 0, 2};  // x strictly increasing
+  zrSpline<double> s = zrSpline<double>::Cubic(x.data(), y.data(), static_cast<int>(x.size()),
+                                               zrSplineEnd::Natural());
+  // also zrSplineEnd::Clamped(left slope, right slope) and zrSplineEnd::Periodic();
+  // x and y may be zrArray<double> or zrVector<double> as well
+  zrArray<double> at(9), value, slope;
+  for (int i = 0; i < at.Len(); ++i) at[i] = 0.5 * i;     // 0, 0.5, ..., 4
+  s.Value(at, value);                                     // value[i] == s(at[i]), bit for bit
+  s.Derivative(at, 1, slope);                             // slope[i] == s.Derivative(at[i], 1)
+  std::printf("%g %g %g\n", s(1.0), value[2], slope[8]);  // 3 3 2.55856
+
+  zrArray<int> range(3);
+  range[0] = 4;  // index i along dimension 0
+  range[1] = 3;  // j along dimension 1
+  range[2] = 2;  // k along dimension 2
+  zrArrayND<double> a(range);
+  a.Fill(0.0);
+  a(3, 2, 1) = 5.0;  // no range check, like operator[]
+  zrArrayND<double> f;
+  f.Set(a);
+  f.Flip(0);            // a view: f(i, j, k) is a(3 - i, j, k)
+  f.at(0, 0, 0) = 7.0;  // checked, and written into a's block: a(3, 0, 0) is 7
+  std::printf("%g %g\n", f(0, 2, 1), a(3, 0, 0));  // 5 7
+  try {
+    a.at(4, 0, 0);
+  } catch (const BadParameters& e) {
+    // Invalid parameters : zrArrayND::at: index 4 on axis 0 is outside [0, 4).
+    std::printf("%s\n", e.GetMessageText());
+  }
+  EXPECT_STREQ(zrExceptionWithMessageGetMessage(),
+               "Invalid parameters : zrArrayND::at: index 4 on axis 0 is outside [0, 4).");
+  EXPECT_EQ(value[2], 3.0);
+  EXPECT_EQ(slope[8], s.Derivative(4.0, 1));
+  EXPECT_EQ(a(3, 2, 1), 5.0);
+  EXPECT_EQ(a(3, 0, 0), 7.0);
+}
+
+// The second example of "Using zr": the same spline through the full interface.
+TEST(Readme, UsingZrFullInterface) {
+  std::vector<double> x = {0, 1, 2.5, 4}, y = {1, 3, 0, 2};
+  const zrSpline<double> s = zrSpline<double>::Cubic(x.data(), y.data(), 4, zrSplineEnd::Natural());
+  zrSimpleArray<zrColumnVector<double>> points(4);  // (x, y) a point
+  for (int i = 0; i < points.Len(); ++i) {
+    points[i].Set(2);
+    points[i][0] = x[i];
+    points[i][1] = y[i];
+  }
+  zrSpline<double> full(points);
+  zrSimpleArray<int> codes(2);
+  codes[0] = 0;  // bits of the ends with a first derivative given: none
+  codes[1] = 3;  // bits of the ends with a second derivative given: both (1 left, 2 right)
+  zrMatrix<double> values(2, 2);
+  values.Fill(0.0);  // row 0 first derivatives, row 1 second ones; column 0 the left end
+  full.MkSpline3(codes, values);  // full(t) == s(t) for every t, bit for bit
+  for (double t = 0; t <= 4; t += 0.125) EXPECT_EQ(full(t), s(t)) << t;
+}
 
 TEST(Readme, Core) {
   // [readme:core]

@@ -75,6 +75,7 @@
 /// may instantiate it for a type of its own by including zr/ndarray/array_nd_impl.h.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <iterator>
 
@@ -263,6 +264,38 @@ class ZR_API zrArrayND : public zrArrayNDAbs {
 
   /// The element at the cursor's offset from the origin.
   T& operator[](const zrRoundArrayND& r) const { return p_[r.GetPos()]; }
+
+  /// Element access by indices, a convenience over GetPointer() and Tab(): a(i, j, k) is
+  /// the element (i, j, k), index i along dimension 0, at sum(index_k * Tab[k]) from the
+  /// origin, so on a view (flipped, axes swapped, a window, a slice) it is the element of
+  /// the viewed block that the view's strides address, and a write through it is seen by
+  /// every array sharing that block. Nothing is checked, as with operator[]: give one
+  /// index per dimension, each within 0 ... Range[k] - 1 (at() checks both).
+  T& operator()(int i) const { return p_[Offset(i, 0)]; }
+  T& operator()(int i, int j) const { return p_[Offset(i, 0) + Offset(j, 1)]; }
+  T& operator()(int i, int j, int k) const {
+    return p_[Offset(i, 0) + Offset(j, 1) + Offset(k, 2)];
+  }
+  T& operator()(int i, int j, int k, int l) const {
+    return p_[Offset(i, 0) + Offset(j, 1) + Offset(k, 2) + Offset(l, 3)];
+  }
+  /// Any number of dimensions: index[k] along dimension k.
+  T& operator()(const zrArray<int>& index) const {
+    std::ptrdiff_t off = 0;
+    for (int k = 0; k < index.Len(); ++k) off += Offset(index[k], k);
+    return p_[off];
+  }
+  /// The same element with the indices checked first (BadParameters, the numbers written
+  /// out): an array without dimensions throws "zrArrayND::at: the array has no
+  /// dimensions.", an index count other than GetDim() "zrArrayND::at: <c> indices for <d>
+  /// dimensions.", and the first index, in dimension order, outside its range
+  /// "zrArrayND::at: index <i> on axis <k> is outside [0, <Range[k]>).".
+  T& at(int i) const;
+  T& at(int i, int j) const;
+  T& at(int i, int j, int k) const;
+  T& at(int i, int j, int k, int l) const;
+  T& at(const zrArray<int>& index) const;
+
   /// The multi-index of the element at p: dimensions taken from the last to the first,
   /// coord[d] = off / Tab[d], off = off % Tab[d] (truncating). That inverts the offset
   /// rule for dense strides, which grow with the dimension number, and is kept for
@@ -310,6 +343,12 @@ class ZR_API zrArrayND : public zrArrayNDAbs {
             const zrArray<int>& tab);
   template <class F>
   void Each(F f);
+  // The offset of index i along dimension k, in elements.
+  std::ptrdiff_t Offset(int i, int k) const {
+    return static_cast<std::ptrdiff_t>(i) * Tab().GetPointer()[k];
+  }
+  // at()'s checks: count indices for the dimensions, each inside its range.
+  void CheckIndex(const int* index, int count) const;
   template <zr::detail::NDOp op, class F>
   void EachPair(const zrArrayND& other, F f);
 

@@ -5,6 +5,7 @@
 #pragma once
 
 #include <cstdint>
+#include <cstdio>
 #include <cstring>
 #include <limits>
 #include <type_traits>
@@ -583,6 +584,58 @@ zrArrayND<T>* zrArrayND<T>::GetReduceDimArrayND(int axis, int index) const {
     throw;
   }
   return slice;
+}
+
+template <class T>
+void zrArrayND<T>::CheckIndex(const int* index, int count) const {
+  char text[128];
+  if (GetDim() == 0) throw BadParameters("zrArrayND::at: the array has no dimensions.");
+  if (count != GetDim()) {
+    std::snprintf(text, sizeof text, "zrArrayND::at: %d indices for %d dimensions.", count,
+                  GetDim());
+    throw BadParameters(text);
+  }
+  for (int k = 0; k < count; ++k) {
+    if (index[k] < 0 || index[k] >= Range()[k]) {
+      std::snprintf(text, sizeof text, "zrArrayND::at: index %d on axis %d is outside [0, %d).",
+                    index[k], k, Range()[k]);
+      throw BadParameters(text);
+    }
+  }
+}
+
+template <class T>
+T& zrArrayND<T>::at(int i) const {
+  const int index[] = {i};
+  CheckIndex(index, 1);
+  return (*this)(i);
+}
+
+template <class T>
+T& zrArrayND<T>::at(int i, int j) const {
+  const int index[] = {i, j};
+  CheckIndex(index, 2);
+  return (*this)(i, j);
+}
+
+template <class T>
+T& zrArrayND<T>::at(int i, int j, int k) const {
+  const int index[] = {i, j, k};
+  CheckIndex(index, 3);
+  return (*this)(i, j, k);
+}
+
+template <class T>
+T& zrArrayND<T>::at(int i, int j, int k, int l) const {
+  const int index[] = {i, j, k, l};
+  CheckIndex(index, 4);
+  return (*this)(i, j, k, l);
+}
+
+template <class T>
+T& zrArrayND<T>::at(const zrArray<int>& index) const {
+  CheckIndex(index.GetPointer(), index.Len());
+  return (*this)(index);
 }
 
 template <class T>

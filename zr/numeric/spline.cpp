@@ -8,6 +8,7 @@ namespace zr::detail {
 namespace {
 
 const char kOutOfRange[] = "zrSpline: Out of range.";
+const char kLengthsDiffer[] = "zrSpline: x and y differ in length.";
 const double kCheckTolerance = 0.01;
 
 // Whether |a - b| stays within the check's tolerance; a NaN does not.
@@ -357,6 +358,141 @@ void zrSpline<TT>::Make(int degree, const zrSimpleArray<int>& codes, const zrMat
   }
   koef_ = 2;
   if (!Check()) throw BadParameters("error in spline");
+}
+
+template <class TT>
+zrSpline<TT> zrSpline<TT>::Cubic(const zrSimpleArray<TT>& x, const zrSimpleArray<TT>& y,
+                                 const zrSplineEnd& end) {
+  if (x.Len() != y.Len()) throw BadParameters(zr::detail::kLengthsDiffer);
+  zrSpline s;
+  s.MakeCubic(x.GetPointer(), 1, y.GetPointer(), 1, x.Len(), end);
+  return s;
+}
+
+template <class TT>
+zrSpline<TT> zrSpline<TT>::Cubic(const zrVector<TT>& x, const zrVector<TT>& y,
+                                 const zrSplineEnd& end) {
+  if (x.Len() != y.Len()) throw BadParameters(zr::detail::kLengthsDiffer);
+  zrSpline s;
+  s.MakeCubic(x.GetPointer(), x.Tab(), y.GetPointer(), y.Tab(), x.Len(), end);
+  return s;
+}
+
+template <class TT>
+zrSpline<TT> zrSpline<TT>::Cubic(const TT* x, const TT* y, int n, const zrSplineEnd& end) {
+  zrSpline s;
+  s.MakeCubic(x, 1, y, 1, n, end);
+  return s;
+}
+
+template <class TT>
+void zrSpline<TT>::MakeCubic(const TT* x, int xStep, const TT* y, int yStep, int n,
+                             const zrSplineEnd& end) {
+  if (n < 3) throw BadParameters("Spline: number of point must be >= 3");
+  // The records are one block of 32-bit count: more points cannot be held.
+  if (n > INT32_MAX / kRecord)
+    throw zrErrNoMemory(static_cast<std::uint64_t>(n) * kRecord * sizeof(TT));
+  const auto xAt = [x, xStep](int i) { return x[static_cast<std::int64_t>(i) * xStep]; };
+  const auto yAt = [y, yStep](int i) { return y[static_cast<std::int64_t>(i) * yStep]; };
+  for (int i = 1; i < n; ++i)
+    if (!(xAt(i) > xAt(i - 1))) throw BadParameters("zrSpline: x must be strictly increasing.");
+  if (end.GetKind() == zrSplineEnd::kPeriodic && !zr::detail::Close(yAt(n - 1), yAt(0)))
+    throw BadParameters("zrSpline: periodic y must end at its first value.");
+
+  // The records and the tree as Set makes them from the points (x_i, y_i).
+  zrSimpleArray<TT> records, tree;
+  records.Set(n * kRecord);
+  TT* r = records.GetPointer();
+  for (int i = 0; i < n; ++i, r += kRecord) {
+    r[0] = xAt(i);
+    r[1] = yAt(i);
+    for (int j = 2; j < kRecord; ++j) r[j] = TT{};
+  }
+  const int depth = MakeTree(records, tree);
+  n_ = n;
+  records_.swap(records);
+  tree_.swap(tree);
+  koef_ = 0;
+  depth_ = depth;
+  increasing_ = 1;
+
+  if (end.GetKind() == zrSplineEnd::kPeriodic) {
+    MkPeriodSpline3();
+    return;
+  }
+  zrSimpleArray<int> codes(2);
+  zrMatrix<TT> values(2, 2);
+  values.Fill(TT{});
+  if (end.GetKind() == zrSplineEnd::kClamped) {
+    codes[0] = 3;
+    codes[1] = 0;
+    values(0, 0) = end.Left();
+    values(0, 1) = end.Right();
+  } else {
+    codes[0] = 0;
+    codes[1] = 3;
+  }
+  MkSpline3(codes, values);
+}
+
+template <class TT>
+void zrSpline<TT>::CheckInside(const TT* xs, int n) const {
+  const TT* const r = records_.GetPointer();
+  for (int i = 0; i < n; ++i)
+    if (n_ <= 1 || !(r[0] <= xs[i] && xs[i] <= r[static_cast<std::int64_t>(n_ - 1) * kRecord]))
+      throw BadParameters(zr::detail::kOutOfRange);
+}
+
+template <class TT>
+template <class F>
+void zrSpline<TT>::EachPoint(const TT* xs, int n, TT* out, F f) const {
+  if (n <= 0) return;
+  // An out that starts inside xs, past its origin, would overwrite values not yet read.
+  const auto at = [](const TT* p) { return reinterpret_cast<std::uintptr_t>(p); };
+  const std::uintptr_t bytes = static_cast<std::uintptr_t>(n) * sizeof(TT);
+  if (out != xs && at(out) < at(xs) + bytes && at(xs) < at(out) + bytes) {
+    zrSimpleArray<TT> values(n);
+    EachPoint(xs, n, values.GetPointer(), f);
+    for (int i = 0; i < n; ++i) out[i] = values[i];
+    return;
+  }
+  int hint = 0;
+  for (int i = 0; i < n; ++i) {
+    const TT x = xs[i];
+    out[i] = f(GetSegmentNum(x, hint), x);
+  }
+}
+
+template <class TT>
+void zrSpline<TT>::Value(const TT* xs, int n, TT* out) const {
+  CheckInside(xs, n);
+  EachPoint(xs, n, out, [this](int seg, const TT& x) { return EvalSegment(seg, x); });
+}
+
+template <class TT>
+void zrSpline<TT>::Derivative(const TT* xs, int n, int m, TT* out) const {
+  if (m < 0) throw BadParameters("zrPolynom : wrong derivative order");
+  CheckInside(xs, n);
+  EachPoint(xs, n, out, [this, m](int seg, const TT& x) { return DeriveSegment(seg, x, m); });
+}
+
+template <class TT>
+void zrSpline<TT>::Value(const zrSimpleArray<TT>& xs, zrSimpleArray<TT>& out) const {
+  const int n = xs.Len();
+  CheckInside(xs.GetPointer(), n);
+  out.Init(n);
+  EachPoint(xs.GetPointer(), n, out.GetPointer(),
+            [this](int seg, const TT& x) { return EvalSegment(seg, x); });
+}
+
+template <class TT>
+void zrSpline<TT>::Derivative(const zrSimpleArray<TT>& xs, int m, zrSimpleArray<TT>& out) const {
+  if (m < 0) throw BadParameters("zrPolynom : wrong derivative order");
+  const int n = xs.Len();
+  CheckInside(xs.GetPointer(), n);
+  out.Init(n);
+  EachPoint(xs.GetPointer(), n, out.GetPointer(),
+            [this, m](int seg, const TT& x) { return DeriveSegment(seg, x, m); });
 }
 
 template <class TT>

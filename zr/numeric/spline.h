@@ -85,6 +85,37 @@
 
 class zrCurve2D;
 
+/// An end condition of the cubic spline by name, for zrSpline<TT>::Cubic: a convenience
+/// over the bit codes and the values matrix of MkSpline3, and over MkPeriodSpline3. Each
+/// name stands for exactly one full call:
+///   Natural()              MkSpline3 with codes (0, 3) and a 2 x 2 values matrix of zeros
+///                          (no curvature at either end);
+///   Clamped(left, right)   MkSpline3 with codes (3, 0), values(0, 0) = left and
+///                          values(0, 1) = right, the rest zero (the slopes at the ends);
+///   Periodic()             MkPeriodSpline3().
+class zrSplineEnd {
+ public:
+  enum Kind { kNatural, kClamped, kPeriodic };
+
+  static zrSplineEnd Natural() { return zrSplineEnd(kNatural, 0.0, 0.0); }
+  static zrSplineEnd Clamped(double left, double right) {
+    return zrSplineEnd(kClamped, left, right);
+  }
+  static zrSplineEnd Periodic() { return zrSplineEnd(kPeriodic, 0.0, 0.0); }
+
+  Kind GetKind() const { return kind_; }
+  /// The slopes of Clamped at the first and the last point; 0 for the others.
+  double Left() const { return left_; }
+  double Right() const { return right_; }
+
+ private:
+  zrSplineEnd(Kind kind, double left, double right) : kind_(kind), left_(left), right_(right) {}
+
+  Kind kind_;
+  double left_;
+  double right_;
+};
+
 template <class TT>
 class ZR_API zrSpline : public zrUsingNew {
   ZR_TYPE_IDENTITY
@@ -108,6 +139,24 @@ class ZR_API zrSpline : public zrUsingNew {
   void MkPeriodSpline3();
   void Make(int degree, const zrSimpleArray<int>& codes, const zrMatrix<TT>& values);
 
+  /// The cubic spline through the points (x[i], y[i]) with a named end condition: a
+  /// convenience over constructing from points and calling the builder the condition
+  /// stands for (see zrSplineEnd), whose segments it has, bit for bit. Nothing the caller
+  /// holds is shared. Refused before anything is built, in this order:
+  ///   "zrSpline: x and y differ in length."
+  ///   "Spline: number of point must be >= 3"
+  ///   "zrSpline: x must be strictly increasing." (x[i] > x[i-1] for every i; a NaN fails)
+  ///   "zrSpline: periodic y must end at its first value." (Periodic() only: y[n-1] more
+  ///     than the check's 0.01 away from y[0]; the periodic spline takes y[0] there)
+  /// and then, as from the builder, "error in spline" when the built spline fails Check().
+  /// More points than one block of records holds (INT32_MAX / 6) throw zrErrNoMemory.
+  static zrSpline Cubic(const zrSimpleArray<TT>& x, const zrSimpleArray<TT>& y,
+                        const zrSplineEnd& end);
+  /// The same from vectors, read through their steps.
+  static zrSpline Cubic(const zrVector<TT>& x, const zrVector<TT>& y, const zrSplineEnd& end);
+  /// The same from n values at x and at y (a std::vector's data(), say).
+  static zrSpline Cubic(const TT* x, const TT* y, int n, const zrSplineEnd& end);
+
   int GetNumberOfPoint() const { return n_; }
   int GetSegmentNum(const TT& x) const;
   /// GetSegmentNum(x) that starts from segment hint and searches forward from it when
@@ -124,6 +173,20 @@ class ZR_API zrSpline : public zrUsingNew {
   TT Derivative(const TT& x, int m, int seg) const;
   TT Derivative(int m, int i) const;
 
+  /// Many points at once, a convenience over operator()(x) and Derivative(x, m): out[i] is
+  /// exactly what the single-point call gives for xs[i]. Every xs[i] is checked before
+  /// anything is written ("zrSpline: Out of range."; a negative m throws "zrPolynom :
+  /// wrong derivative order" even for no points), so a refusal leaves out as it was.
+  /// out is sized as the arrays size a result, by out.Init(xs.Len()): an out of that
+  /// length is written in place (every sharer of its block sees the values), any other
+  /// gets a new block of its own. out may be xs itself or overlap it: the values are
+  /// those of xs as it stood before the call.
+  void Value(const zrSimpleArray<TT>& xs, zrSimpleArray<TT>& out) const;
+  void Derivative(const zrSimpleArray<TT>& xs, int m, zrSimpleArray<TT>& out) const;
+  /// The same for n values at xs into out[0] ... out[n - 1] (out may overlap xs).
+  void Value(const TT* xs, int n, TT* out) const;
+  void Derivative(const TT* xs, int n, int m, TT* out) const;
+
   /// 1 when the built spline passes the continuity test, else 0.
   int Check() const;
 
@@ -138,6 +201,14 @@ class ZR_API zrSpline : public zrUsingNew {
   // anything is built.
   int CountConditions(const zrSimpleArray<int>& codes, const zrMatrix<TT>& values) const;
   void BuildSegments3(const TT* moments, int periodic);
+  // Cubic's body: the checks, the points read through the steps, then the builder.
+  void MakeCubic(const TT* x, int xStep, const TT* y, int yStep, int n, const zrSplineEnd& end);
+  // "zrSpline: Out of range." unless every xs[i] lies within the nodes.
+  void CheckInside(const TT* xs, int n) const;
+  // The many-point evaluations, xs checked: out[i] = f(segment of xs[i], xs[i]), through
+  // a private buffer when out overlaps xs other than exactly.
+  template <class F>
+  void EachPoint(const TT* xs, int n, TT* out, F f) const;
   // Segment i's coefficients into its record.
   void SetSegment(int i, const zrColumnVector<TT>& k);
   // Checked (two elements a point at least); returns whether the abscissas do not
