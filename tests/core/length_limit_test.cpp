@@ -64,7 +64,7 @@ TEST(LengthLimit, VectorGrowthPastIntMaxIsRefusedUnchanged) {
 }
 
 TEST(LengthLimit, StringUnionAndTerminatorPastIntMaxAreRefused) {
-  static char text[] = "ab";  // writable: a char* view, not a copy
+  static char text[] = "ab";           // writable: a char* view, not a copy
   const zrString huge(text, INT_MAX);  // a view: nothing is read beyond what is used
   const zrString one(text, 1);
   EXPECT_EQ(NoMemory([&] { (void)huge.GetUnion(one); }), zr_test::NoMemoryText(kOnePast + 8));
@@ -154,4 +154,15 @@ TEST(LengthLimit, NDViewsOfMoreThanIntMaxElementsAreRefused) {
   sizes[1] = 65535;
   view.Set(block, 0, sizes, strides);
   EXPECT_EQ(view.GetSize(), 32768 * 65535);
+}
+
+TEST(LengthLimit, SplineRecordsPastIntMaxAreRefusedBeforeTheyAreRead) {
+  // Six numbers a point: 357 913 942 points once wrapped the record count to a small one.
+  zrColumnVector<double> point(2);
+  zrSimpleArray<zrColumnVector<double>> points;
+  const int n = INT_MAX / 6 + 1;
+  points.SetDirectly(&point, n);  // a view: nothing past the first point is read
+  zrSpline<double> spline;
+  EXPECT_EQ(NoMemory([&] { spline.Set(points); }),
+            zr_test::NoMemoryText(std::uint64_t{n} * 6 * sizeof(double)));
 }

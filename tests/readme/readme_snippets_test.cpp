@@ -185,7 +185,7 @@ TEST(Readme, Curves) {
 
 TEST(Readme, Text) {
   // [readme:text]
-  zrString line("x = 1.5, y");            // const text: line owns a copy
+  zrString line("x = 1.5, y");  // const text: line owns a copy
   zrSimpleArray<zrString> words;
   line.Tokenize(words, " =,");            // "x", "1.5", "y": views of line's characters
   zrString joined = words[0] + words[2];  // "xy", a string of its own

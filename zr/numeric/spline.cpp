@@ -115,10 +115,18 @@ void zrSpline<TT>::Set(const zrSimpleArray<zrColumnVector<TT>>& points) {
   increasing_ = increasing;
 }
 
+// The records are one block of 32-bit count: more points cannot be held.
+template <class TT>
+void zrSpline<TT>::CheckRecordCount(int n) {
+  if (n > INT32_MAX / kRecord)
+    throw zrErrNoMemory(static_cast<std::uint64_t>(n) * kRecord * sizeof(TT));
+}
+
 template <class TT>
 int zrSpline<TT>::MakeRecords(const zrSimpleArray<zrColumnVector<TT>>& points,
                               zrSimpleArray<TT>& records) {
   const int n = points.Len();
+  CheckRecordCount(n);
   records.Set(n * kRecord);
   TT* r = records.GetPointer();
   int increasing = 1;
@@ -389,9 +397,7 @@ template <class TT>
 void zrSpline<TT>::MakeCubic(const TT* x, int xStep, const TT* y, int yStep, int n,
                              const zrSplineEnd& end) {
   if (n < 3) throw BadParameters("Spline: number of point must be >= 3");
-  // The records are one block of 32-bit count: more points cannot be held.
-  if (n > INT32_MAX / kRecord)
-    throw zrErrNoMemory(static_cast<std::uint64_t>(n) * kRecord * sizeof(TT));
+  CheckRecordCount(n);
   const auto xAt = [x, xStep](int i) { return x[static_cast<std::int64_t>(i) * xStep]; };
   const auto yAt = [y, yStep](int i) { return y[static_cast<std::int64_t>(i) * yStep]; };
   for (int i = 1; i < n; ++i)

@@ -211,6 +211,8 @@ class ZR_API zrSpline : public zrUsingNew {
   void EachPoint(const TT* xs, int n, TT* out, F f) const;
   // Segment i's coefficients into its record.
   void SetSegment(int i, const zrColumnVector<TT>& k);
+  // More points than one block of records holds throw zrErrNoMemory with its byte count.
+  static void CheckRecordCount(int n);
   // Checked (two elements a point at least); returns whether the abscissas do not
   // decrease.
   static int MakeRecords(const zrSimpleArray<zrColumnVector<TT>>& points,
