@@ -85,6 +85,13 @@
 
 class zrCurve2D;
 
+/// A cubic (or broken-line) interpolating function y(x) through n points, with natural,
+/// clamped and periodic end conditions, values and derivatives; only zrSpline<double>
+/// exists.
+/// Who shares: nobody. The points and segments are the spline's own: the constructor
+/// from points, Set, the copy constructor and operator= copy values into its private
+/// block (see spline.h for the builders, the check and the errors). See the example
+/// examples/zr_interp.cpp.
 template <class TT>
 class ZR_API zrSpline : public zrUsingNew {
   ZR_TYPE_IDENTITY
