@@ -5,17 +5,16 @@ The /// comments are plain text, so characters that Doxygen would read as comman
 HTML (\\t, <TT>, #include, ::name) are escaped outside `code` spans and quoted texts.
 Two things are turned into Doxygen's own markup instead:
 
-- a repository path to an example program, examples/<file>, becomes a link to that
-  example's page (every file of examples/ has one, see docs/examples.md), and a path to
-  a section of a documentation page, docs/<page>.md#<label>, a link to that section. The
-  link text is the path, as the header's reader sees it.
+- a repository path to a source of an example program, examples/<file>.cpp or .h,
+  becomes a link to that example's page (each has one, see docs/examples.md), and a path
+  to a section of a documentation page, docs/<page>.md#<label>, a link to that section.
+  The link text is the path, as the header's reader sees it.
 - an explicit specialization of a class template's member declared at namespace scope
   (template <> followed by a declaration of Class<Args>::Member ending in ;) is blanked:
   it tells programs that the body lives in the library, and Doxygen cannot attach it to
   the member, which is documented in the class.
 
 The line count is kept, so warnings point at the real lines."""
-import os
 import re
 import sys
 
@@ -23,18 +22,15 @@ SPECIAL = re.compile(r'([\\<>#@&%$]|::)')
 LITERAL = re.compile(r'(`[^`]*`|"[^"]*")')
 # A path written in a comment: examples/name.cpp or docs/page.md#label, not followed by
 # more path characters (a full stop after it ends the sentence).
-LINK = re.compile(r'\b(examples/([\w-]+(?:\.[\w-]+)*)|docs/[\w-]+\.md#(\w+))(?![\w/#-])')
-EXAMPLES = os.path.join(os.path.dirname(os.path.abspath(__file__)), '..', 'examples')
+LINK = re.compile(r'\b(examples/([\w-]+\.(?:cpp|h))|docs/[\w-]+\.md#(\w+))(?![\w/#-])')
 MEMBER_SPECIALIZATION = re.compile(r'[^;{}()]*\b\w+<[^;{}]*>::~?\w+\s*\([^;{}]*\)[^;{}]*;\s*$')
 
 
 def link(m):
     path, example, label = m.group(1), m.group(2), m.group(3)
-    if example is None:
-        return '\\ref %s "%s"' % (label, path)
-    if not os.path.isfile(os.path.join(EXAMPLES, example)):
-        return SPECIAL.sub(r'\\\1', path)
-    return '\\ref %s "%s"' % (example, path)
+    # A path to a file or section that has no page fails the docs build (an unresolved
+    # reference), so stale paths do not survive.
+    return '\\ref %s "%s"' % (example or label, path)
 
 
 def escape(text):
