@@ -45,6 +45,12 @@
 #include "zr/arrays/simple_array.h"
 #include "zr/core/core.h"
 
+/// The arithmetic one-dimensional array of T: a zrSimpleArray with element-wise operators,
+/// comparisons, reductions, searches and the flat form.
+/// Who shares the block: as zrSimpleArray (windows share, the copy constructor copies);
+/// the compound operators work in place and reach every sharer, while the binary
+/// operators return arrays with blocks of their own (see array.h). See the example
+/// docs/examples.md#guide_arrays and examples/persistence.cpp.
 template <class T>
 class ZR_API zrArray : public zrSimpleArray<T> {
   ZR_TYPE_IDENTITY

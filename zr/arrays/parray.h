@@ -27,6 +27,13 @@
 
 #include "zr/core/core.h"
 
+/// The base of every class that holds elements: a pointer to a reference-counted block
+/// (or none, for memory the array does not own) and the virtual interface of extents,
+/// range checks, copying and the flat form. Writes through any holder of a block are
+/// seen by all of them; which operations share the block and which copy it is each
+/// derived class's contract, and GetNumOfRef() and IsShared() tell the state (see
+/// parray.h). See the example examples/ndarray_views.cpp, which prints the holder count
+/// of a block as views take it.
 class ZR_API zrPArray : public zrRefCount {
   ZR_TYPE_IDENTITY
  public:

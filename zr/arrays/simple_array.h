@@ -41,6 +41,15 @@
 #include "zr/core/core.h"
 #include "zr/values/values.h"
 
+/// The contiguous one-dimensional array of T: a length and an origin over a
+/// reference-counted block, with editing (insert, remove, concatenate, reverse, cycle)
+/// but no arithmetic (zrArray adds it).
+/// Who shares the block: windows (Left, Right, Mid, SetSubWindow), Move and swap share or
+/// hand it over; the copy constructor, Copy(), ReSet() and every edit that changes the
+/// length give this array a private block; assignment of an equal length, Fill and writes
+/// through operator[] work in place and reach every sharer (the full rules are in
+/// simple_array.h). See the example docs/examples.md#guide_arrays and
+/// examples/zr_interp.cpp.
 template <class T>
 class ZR_API zrSimpleArray : public zrPArray {
   ZR_TYPE_IDENTITY

@@ -24,6 +24,13 @@
 #include "zr/arrays/simple_array.h"
 #include "zr/core/core.h"
 
+/// A rectangular array of T, height lines of width elements stored line by line in one
+/// zrSimpleArray (element (y, x) is storage element width * y + x).
+/// Who shares the block: the storage's rules (simple_array.h): the copy constructor
+/// copies, assignment of an equal total writes in place for every sharer, and a line from
+/// GetLine is a window that shares the block (see simple_array_2d.h for the dimensions
+/// after inherited edits). See the example docs/examples.md#guide_arrays for the sharing
+/// rules of the arrays.
 template <class T>
 class ZR_API zrSimpleArray2D : public zrSimpleArray<T> {
   ZR_TYPE_IDENTITY

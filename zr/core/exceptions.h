@@ -25,6 +25,11 @@
 /// The string class is the text subsystem's; zrError only names it here.
 class zrString;
 
+/// The root of every exception of the library: a handler reads the text of the failure
+/// with GetMessageText(). The text lives in one process-wide buffer, not in the object, so
+/// copies are free and the text read is that of the most recently constructed exception
+/// (see exceptions.h). The library throws its subclasses BadParameters and zrErrNoMemory.
+/// See the example docs/examples.md#guide_core.
 class ZR_API zrExceptionWithMessage {
  public:
   /// The message buffer shared by every exception of the process. Its last byte
@@ -51,6 +56,7 @@ class ZR_API zrExceptionWithMessage {
  protected:
   // For derived constructors that write the buffer themselves: touches nothing, so a
   // text that was read from the buffer is still there when they copy it.
+  /// The tag of the constructor for derived classes that fill the buffer themselves.
   struct KeepMessage {};
   explicit zrExceptionWithMessage(KeepMessage) {}
 };
@@ -62,6 +68,9 @@ ZR_API char* zrExceptionWithMessageGetMessage();
 /// Every invalid argument or state. The text read by a handler is "Invalid parameters : "
 /// followed by the given text, cut so that the whole fits the buffer with its final zero
 /// (at most 490 characters of the text survive).
+///
+/// See the example examples/zr_interp.cpp, which reports the spline's refusals, and
+/// docs/examples.md#guide_core.
 class ZR_API BadParameters : public zrExceptionWithMessage {
  public:
   /// Message "Invalid parameters.".
@@ -74,6 +83,9 @@ class ZR_API BadParameters : public zrExceptionWithMessage {
 /// its argument; what the formatter makes of the incomplete "%l" conversion is the C
 /// library's own (glibc prints "be not sufficient % byte"). GetSize() keeps the exact
 /// figure.
+///
+/// See the example docs/examples.md#guide_core: it is caught as the root,
+/// zrExceptionWithMessage, like every error of the library.
 class ZR_API zrErrNoMemory : public zrExceptionWithMessage {
  public:
   /// Size 0; the buffer is emptied, as by the root's default constructor.
@@ -88,6 +100,9 @@ class ZR_API zrErrNoMemory : public zrExceptionWithMessage {
 
 /// A user's error with a code. The text goes to the buffer as Set writes it; a copy
 /// carries the code only.
+///
+/// See the example docs/examples.md#guide_core: it is caught as the root,
+/// zrExceptionWithMessage, like every error of the library.
 class ZR_API zrError : public zrExceptionWithMessage {
  public:
   zrError(int code, const char* text);

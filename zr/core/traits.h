@@ -42,6 +42,10 @@
 
 class zrComplex;
 
+/// The traits of an element type: its name (GetValueTypeName), its fixed type code, its
+/// sign and, for the integers, the highest magnitude bit. Defined for the scalar types of
+/// the table in traits.h and, by name only, for zrComplex; a plain class of static
+/// functions. See the example docs/examples.md#guide_core for the core subsystem.
 template <class T>
 class zrType;  // defined for the listed types only
 
@@ -89,6 +93,8 @@ ZR_DETAIL_TYPE_TRAITS(float, "Real32", zr::detail::FloatingType<float, 11>)
 ZR_DETAIL_TYPE_TRAITS(double, "Real64", zr::detail::FloatingType<double, 12>)
 
 /// The complex number has its name only.
+/// See zrType for the scalar types, and the example docs/examples.md#guide_core for the core
+/// subsystem.
 template <>
 class zrType<zrComplex> {
  public:

@@ -36,6 +36,12 @@
   prefix const char* Class::GetTypeString() const { return Type(); }
 #define ZR_DEFINE_TYPE_IDENTITY(Class) ZR_DEFINE_TYPE_IDENTITY_WITH(, Class, #Class)
 
+/// The root of the library's heap classes: allocation through zrMalloc and zrFree, a type
+/// identity (GetType, GetTypeString) and the holder-count interface, which does nothing
+/// here (an uncounted object has no holders and may always be deleted). It holds no data
+/// and shares nothing; zrRefCount adds the count. See using_new.h.
+/// See the example docs/examples.md#guide_graph: a queue is a zrUsingNew object through
+/// its list link.
 class ZR_API zrUsingNew {
  public:
   zrUsingNew() = default;
@@ -89,6 +95,11 @@ class ZR_API zrUsingNew {
 /// one. So a class may combine it with several list links, which have none either, without
 /// declaring an identity (two bases that both override GetType would leave the class
 /// without a unique final overrider).
+///
+/// Holders count themselves with IncreaseRefCount and let go with zrUsingNew::Delete (or
+/// through zrAutoDelPointer); the object is deleted when the last one lets go. The graph's
+/// nodes and branches are counted objects: see the example docs/examples.md#guide_graph
+/// for the graph subsystem.
 class ZR_API zrRefCount : public virtual zrUsingNew {
  public:
   zrRefCount() = default;
@@ -117,6 +128,10 @@ class ZR_API zrRefCount : public virtual zrUsingNew {
 /// Taking a new pointer releases the old object before counting the new one. Setting
 /// the pointer that a sole holder already holds therefore deletes the object first;
 /// callers never do that.
+///
+/// Copies of the pointer are further holders of the same object; the object is never
+/// copied. The graph holds its members this way: see the example
+/// docs/examples.md#guide_graph for the graph subsystem.
 template <class T>
 class zrAutoDelPointer {
  public:

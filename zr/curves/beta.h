@@ -49,6 +49,9 @@
 /// The skew, the tension and the ten coefficients of the blending function: twelve doubles,
 /// in the order tension, skew, a, l0 ... l3, r0 ... r3, e. No virtual operations; the
 /// default is skew 1, tension 0.
+///
+/// The base of the Beta-spline curves, contours and tube (see beta.h); it holds no points
+/// and shares nothing. See the example examples/beta_tube.cpp.
 class ZR_API BetaSpline {
  public:
   BetaSpline() { _SetSkewTension(1.0, 0.0); }
@@ -100,6 +103,10 @@ class ZR_API BetaSpline {
 /// An open space curve through n points Q0 ... Qn-1, passing through Qj at t = j / (n - 1).
 /// Its N = n + 2 control points P0 ... PN-1 hold two phantom end points, P0 and PN-1,
 /// that keep the curve's ends at P1 = Q0 and PN-2 = Qn-1 (see MakeInterpolation).
+///
+/// The curve owns its control points: the copy constructor and assignment copy them, and
+/// no block is shared with the source. See the example examples/beta_tube.cpp for the
+/// Beta-spline surfaces.
 class ZR_API BetaCurve : public BetaSpline {
  public:
   /// No points yet.
@@ -192,6 +199,10 @@ class ZR_API BetaCurve : public BetaSpline {
 /// back to Q0 at t = 1. Its N = n + 3 control points are the solution X0 ... Xn-1 of the
 /// cyclic system with three wrap-around copies: Xn-2, Xn-1, X0, X1, ..., Xn-1, X0 (indices
 /// modulo n, so a contour of one or two points works too).
+///
+/// The contour owns its control points: the copy constructor and assignment copy them,
+/// and no block is shared with the source. See the example examples/beta_tube.cpp for
+/// the Beta-spline surfaces.
 class ZR_API BetaContour : public BetaCurve {
  public:
   /// No points yet; the default is skew 1, tension 0.
@@ -230,6 +241,9 @@ class ZR_API BetaContour : public BetaCurve {
 /// through a net of m rows (along) by k columns (around). Its control net has m + 2 rows
 /// and k + 3 columns. The surface passes through data point (i, j) at u = j / k, v = i /
 /// (m - 1); u = 1 is u = 0 again.
+///
+/// The tube owns its control net: the copy constructor and assignment copy it, and no
+/// block is shared with the source. See the example examples/beta_tube.cpp.
 class ZR_API BetaTube : public BetaSpline {
  public:
   BetaTube(double skew, double tension);

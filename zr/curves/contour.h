@@ -37,6 +37,14 @@ namespace zr::detail {
 struct ContourProbe;
 }  // namespace zr::detail
 
+/// A closed plane polygon: a zrCurve2D whose last point joins the first, with area,
+/// orientation, perimeter, the point and self-intersection tests, alignment against
+/// another contour and clipping by a line or a rectangle.
+/// Who shares the block: as zrArray<zrVec2>: the copy constructor copies the points,
+/// assignment of an equal length and the reorderings (SetOrient, MakeCoherent) work in
+/// place for every sharer, and the clippings return contours with blocks of their own
+/// (see contour.h). See the example examples/contours.cpp and
+/// docs/examples.md#guide_curves.
 class ZR_API zrSimpleContour2D : public zrCurve2D {
   ZR_TYPE_IDENTITY
  public:

@@ -24,6 +24,11 @@
 #include "zr/geometry/rect.h"
 #include "zr/values/values.h"
 
+/// A plane polyline: an ordered zrArray of zrVec2 points with its centre, bounding
+/// rectangle, nearest and farthest points and the one-sided Hausdorff query.
+/// Who shares the block: as zrArray<zrVec2>: the copy constructor copies the points,
+/// assignment of an equal length writes them in place for every sharer, windows share
+/// (see curve.h). See the example examples/contours.cpp, whose contours are curves.
 class ZR_API zrCurve2D : public zrArray<zrVec2> {
   ZR_TYPE_IDENTITY
  public:

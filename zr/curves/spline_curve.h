@@ -25,6 +25,12 @@
 #include "zr/curves/curve.h"
 #include "zr/numeric/numeric.h"
 
+/// A smooth parametric plane curve through the points of a polyline: two cubic zrSpline,
+/// x(t) and y(t) over t in [0, 1], open (with first-derivative or natural ends) or closed
+/// (periodic).
+/// Who shares: nobody. The splines are the curve's own and are copied by the copy
+/// constructor and assignment (see spline_curve.h). See the example
+/// examples/zr_interp.cpp for the spline it is made of.
 class ZR_API zrSplineCurve2D : public zrUsingNew {
   ZR_TYPE_IDENTITY
  public:

@@ -21,6 +21,10 @@
 
 namespace zrGeom {
 
+/// A directed line of the plane through two points, kept in Hesse normal form
+/// a*x + b*y = c with the normal of the direction beside it, for signed distances and
+/// sides; a plain value (see primitives.h). See the example
+/// docs/examples.md#guide_geometry.
 class ZR_API StraightLine2D {
  public:
   /// Fields uninitialised.
@@ -51,6 +55,8 @@ class ZR_API StraightLine2D {
   double na_, nb_;    // unit normal of p1 -> p2, to its right, before the sign step
 };
 
+/// A segment of the plane between two points, stored as given; a plain value. See the
+/// example docs/examples.md#guide_geometry for the intersections of the plane figures.
 class ZR_API Segment2D {
  public:
   Segment2D() = default;
@@ -62,6 +68,9 @@ class ZR_API Segment2D {
   zrVec2 p1_, p2_;
 };
 
+/// A ray of the plane: a start point and a unit direction (normalised when it is built);
+/// a plain value. See the example docs/examples.md#guide_geometry for the intersections
+/// of the plane figures.
 class ZR_API Ray2D {
  public:
   /// What the second argument of the constructor is: a direction (0) or a second point
@@ -82,6 +91,8 @@ class ZR_API Ray2D {
 };
 
 /// A line in space through two points, stored as given.
+/// A plain value. See the example docs/examples.md#guide_geometry for the geometry
+/// subsystem.
 class ZR_API StraightLine3D {
  public:
   StraightLine3D() = default;
@@ -93,6 +104,8 @@ class ZR_API StraightLine3D {
   zrTVec3<double> p_, q_;
 };
 
+/// A segment in space between two points, stored as given; a plain value. See the example
+/// docs/examples.md#guide_geometry for the geometry subsystem.
 class ZR_API Segment3D {
  public:
   Segment3D() = default;
@@ -105,6 +118,8 @@ class ZR_API Segment3D {
 };
 
 /// A ray in space; unlike Ray2D the direction is stored as given, not normalised.
+/// A plain value. See the example docs/examples.md#guide_geometry for the geometry
+/// subsystem.
 class ZR_API Ray3D {
  public:
   Ray3D() = default;
@@ -125,6 +140,8 @@ class ZR_API Ray3D {
 };
 
 /// The plane normal . x + d = 0; the normal is stored as given, not normalised.
+/// A plain value. See the example docs/examples.md#guide_geometry for the geometry
+/// subsystem.
 class ZR_API Plane {
  public:
   Plane() = default;

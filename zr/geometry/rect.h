@@ -13,6 +13,9 @@
 
 #include "zr/values/values.h"
 
+/// An axis-parallel box given by its lower and upper corner, a plain value copied whole;
+/// used as zrRect<zrVec2>, the bounding rectangle of curves and transforms (see rect.h).
+/// See the example docs/examples.md#guide_geometry for the geometry subsystem.
 template <class T>
 class zrRect {
  public:

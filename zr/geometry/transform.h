@@ -33,6 +33,10 @@
 #include "zr/linalg/linalg.h"
 #include "zr/values/values.h"
 
+/// An affine map of the plane, p -> M*p + shift, built step by step (scale, turn, matrix,
+/// shift, each composed after the steps before it); a plain value, copied whole (see
+/// transform.h). See the example docs/examples.md#guide_geometry for the geometry
+/// subsystem.
 class ZR_API zrTransformCoord2D {
  public:
   /// The identity: shift (0, 0), unit matrix.
@@ -106,6 +110,9 @@ class ZR_API zrTransformCoord2D {
   zrMatrix2x2 m_;  // by rows
 };
 
+/// An affine map of space, p -> M*p + shift, built step by step as zrTransformCoord2D is;
+/// a plain value, copied whole (see transform.h). See the example
+/// docs/examples.md#guide_geometry for the geometry subsystem.
 class ZR_API zrTransformCoord3D {
  public:
   /// The identity: shift (0, 0, 0), unit matrix.
@@ -196,6 +203,10 @@ inline bool FlatWalk(FlatCursor& cursor, const zrTransformCoord3D& t) {
 /// Every vector argument must have exactly two elements, otherwise BadParameters with
 /// "zrTransformCoord : must be dimention equal two.". A zero axis gives NaNs; it is not
 /// checked.
+///
+/// A plain value: it keeps its zrTransformCoord2D and shares nothing with the vectors it
+/// was built from. See the example docs/examples.md#guide_geometry for the geometry
+/// subsystem.
 class ZR_API zrTransformCoord {
  public:
   zrTransformCoord(const zrColumnVector<double>& origin, const zrColumnVector<double>& axis,

@@ -42,6 +42,12 @@
 // ---------------------------------------------------------------------------------------
 // Singly linked ring.
 
+/// A link of a singly linked ring: an object goes into a ring by having this class as a
+/// base; the head is one of the members, and a link alone points at itself. Links never
+/// allocate, and a link destroyed while linked takes its neighbours out and deletes the
+/// ones that allow it (see list.h).
+/// Copies start alone; nothing is shared. See the example docs/examples.md#guide_graph,
+/// a queue built on the ring link.
 class ZR_API zrList1kHead : public virtual zrUsingNew {
  public:
   /// Alone.
@@ -75,6 +81,11 @@ class ZR_API zrList1kHead : public virtual zrUsingNew {
 // ---------------------------------------------------------------------------------------
 // Doubly linked line.
 
+/// A link of a doubly linked line, null at both ends: an object goes into a line by
+/// having this class as a base. Links never allocate, and a link destroyed while linked
+/// takes its neighbours out and deletes the ones that allow it (see list.h).
+/// Copies start alone; nothing is shared. See the example docs/examples.md#guide_graph,
+/// a queue built on the ring link.
 class ZR_API zrList2Head : public virtual zrUsingNew {
  public:
   /// Alone: both links null.
@@ -110,6 +121,12 @@ class ZR_API zrList2Head : public virtual zrUsingNew {
 // ---------------------------------------------------------------------------------------
 // Doubly linked ring.
 
+/// A link of a doubly linked ring: an object goes into a ring by having this class as a
+/// base; the head is one of the members, and a link alone points at itself both ways.
+/// Links never allocate, and a link destroyed while linked takes its neighbours out and
+/// deletes the ones that allow it (see list.h).
+/// Copies start alone; nothing is shared. See the example docs/examples.md#guide_graph,
+/// a queue built on the ring link.
 class ZR_API zrList2kHead : public virtual zrUsingNew {
  public:
   /// Alone: both links to itself.
@@ -140,6 +157,7 @@ class ZR_API zrList2kHead : public virtual zrUsingNew {
 /// A ring link that carries an untyped pointer, for an object that needs more than one
 /// link of the same kind (a graph branch has one in each end's branch list; the payload
 /// leads back to the branch).
+/// See the example docs/examples.md#guide_graph for the list classes.
 class ZR_API zrInternalList2k : public zrList2kHead {
  public:
   zrInternalList2k() = default;
@@ -182,6 +200,8 @@ class NodeValue {
 }  // namespace zr::detail
 
 /// A heap node carrying a value into a singly linked ring.
+/// Its copies start alone, with the value copied. See the example
+/// docs/examples.md#guide_graph: zrListQueue is a ring of these nodes.
 template <class T>
 class ZR_API zrSimpleList1k : public zrList1kHead, public zr::detail::NodeValue<T> {
   ZR_TYPE_IDENTITY
@@ -191,6 +211,8 @@ class ZR_API zrSimpleList1k : public zrList1kHead, public zr::detail::NodeValue<
 };
 
 /// A heap node carrying a value into a doubly linked ring.
+/// Its copies start alone, with the value copied. See the example
+/// docs/examples.md#guide_graph for the list classes.
 template <class T>
 class ZR_API zrSimpleList2k : public zrList2kHead, public zr::detail::NodeValue<T> {
   ZR_TYPE_IDENTITY
@@ -206,6 +228,8 @@ class ZR_API zrSimpleList2k : public zrList2kHead, public zr::detail::NodeValue<
 /// left at destruction are freed by the ring's destructor.
 ///
 /// A queue owns its nodes, so it is neither copied nor assigned.
+///
+/// See the example docs/examples.md#guide_graph.
 template <class T>
 class ZR_API zrListQueue : public zrList1kHead {
   ZR_TYPE_IDENTITY

@@ -48,6 +48,9 @@ class GraphMembers;
 
 /// A node: its link in the graph's node ring, the head of its own branch list and two
 /// work fields that Wave and GetMaxPath overwrite.
+/// A counted heap object: the graph holds one reference, each branch on it one more (see
+/// simple_graph.h). See the example docs/examples.md#guide_graph for the graph
+/// subsystem.
 class ZR_API zrSimpleGraphNodeHead : public zrList2kHead, public zrRefCount {
   ZR_TYPE_IDENTITY
  public:
@@ -97,6 +100,8 @@ ZR_EXTERN_TEMPLATE(class, zrListQueue<zrSimpleGraphNodeHead*>);
 
 /// A branch: its link in the graph's branch ring, its two ends (held), one link in each
 /// end's branch list, and a work field that Wave overwrites.
+/// A counted heap object that holds its two ends (see simple_graph.h). See the example
+/// docs/examples.md#guide_graph for the graph subsystem.
 class ZR_API zrSimpleGraphBranchHead : public zrList2kHead, public zrRefCount {
   ZR_TYPE_IDENTITY
  public:
@@ -169,6 +174,8 @@ class ZR_API zrSimpleGraphBranchHead : public zrList2kHead, public zrRefCount {
 ///
 /// If the branch it stands on is taken out of the node's list, the walk ends there;
 /// branches taken out further on are simply not met.
+///
+/// See the example docs/examples.md#guide_graph for the graph subsystem.
 class ZR_API zrNodeBranchIter {
  public:
   explicit zrNodeBranchIter(zrSimpleGraphNodeHead* node);
@@ -197,6 +204,8 @@ class ZR_API zrNodeBranchIter {
 /// one ring link, so it cannot be in two graphs, and there is nothing else a copy could
 /// hold.) When the last handle goes, every branch and then every node is removed as by
 /// Remove.
+///
+/// See the example docs/examples.md#guide_graph for the graph subsystem.
 class ZR_API zrSimpleGraph : public zrUsingNew {
   ZR_TYPE_IDENTITY
  public:

@@ -32,6 +32,11 @@ class ZR_API zrMatrix;  // the export must be on the first declaration
 template <class TT>
 class ZR_API zrLineVector;
 
+/// A column vector (an n x 1 matrix) of TT: a zrVector with that orientation, which fixes
+/// the shape of its products with line vectors and matrices.
+/// Who shares the block: as zrVector: the copy constructor shares, operator= copies
+/// values; T() is a line vector viewing the same elements (see line_column.h). See the
+/// example docs/examples.md#guide_linalg and examples/zr_interp.cpp.
 template <class TT>
 class ZR_API zrColumnVector : public zrVector<TT> {
   ZR_TYPE_IDENTITY
@@ -76,6 +81,11 @@ class ZR_API zrColumnVector : public zrVector<TT> {
   zrMatrix<TT> operator*(const zrLineVector<TT>& line) const;
 };
 
+/// A line (row) vector (a 1 x n matrix) of TT: a zrVector with that orientation, which
+/// fixes the shape of its products with column vectors and matrices.
+/// Who shares the block: as zrVector: the copy constructor shares, operator= copies
+/// values; T() is a column vector viewing the same elements (see line_column.h). See the
+/// example docs/examples.md#guide_linalg, which uses the column vector.
 template <class TT>
 class ZR_API zrLineVector : public zrVector<TT> {
   ZR_TYPE_IDENTITY

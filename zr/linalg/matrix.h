@@ -97,6 +97,14 @@
   "\xD1\xE8\xF1\xF2\xE5\xEC\xE0 \xE8\xEC\xE5\xE5\xF2 \xED\xE5 \xE5\xE4\xE8\xED\xF1" \
   "\xF2\xE2\xE5\xED\xED\xEE\xE5 \xF0\xE5\xF8\xE5\xED\xE8\xE5."
 
+/// The dense matrix of TT: a view with two steps (between lines and within a line) onto a
+/// reference-counted block, with arithmetic, products, Gaussian elimination, the inverse,
+/// the library's determinant and the flat form.
+/// Who shares the block: the copy constructor, T() (the transpose) and the sub-matrix,
+/// line and column views SHARE it; operator= copies VALUES (in place for every sharer
+/// when the sizes agree); Copy() and every other result (binary operators, products,
+/// Inverse) give fresh storage stored by rows (see matrix.h for the elimination's rules).
+/// See the example docs/examples.md#guide_linalg and examples/persistence.cpp.
 template <class TT>
 class ZR_API zrMatrix : public zrPArray {
   ZR_TYPE_IDENTITY

@@ -42,6 +42,14 @@
 #include "zr/linalg/matrix.h"
 #include "zr/linalg/vector.h"
 
+/// A square tridiagonal matrix of TT kept as its three diagonals (three zrVector), with
+/// the sweep solvers for tridiagonal, cyclic and five-diagonal systems; only
+/// zrMatrix3Diag<double> exists.
+/// Who shares: the diagonals share as vectors do: the copy constructor, T(), Set(src,
+/// start, len) and the constructors from three vectors and from a dense matrix share
+/// storage; operator= copies values diagonal by diagonal; Copy() makes every diagonal
+/// private (see matrix3diag.h). See the example docs/examples.md#guide_linalg for the
+/// linear algebra subsystem.
 template <class TT>
 class ZR_API zrMatrix3Diag : public zrUsingNew {
   ZR_TYPE_IDENTITY

@@ -30,6 +30,10 @@
 #include "zr/linalg/vector.h"
 #include "zr/values/values.h"
 
+/// A 2 x 2 matrix held by value (four doubles by rows), for plane rotations and the linear
+/// part of plane transforms; copied whole, nothing shared (see small_matrix.h). See the
+/// example docs/examples.md#guide_geometry: the transforms of the geometry subsystem are
+/// built on it.
 class ZR_API zrMatrix2x2 {
  public:
   /// Elements uninitialised.
@@ -110,6 +114,11 @@ namespace zr::detail {
 inline bool FlatWalk(FlatCursor& cursor, const zrMatrix2x2& v) { return FixedFlatWalk(cursor, v); }
 }  // namespace zr::detail
 
+/// A 3 x 3 matrix held by value (nine elements by rows), for space rotations and the
+/// linear part of space transforms; copied whole, nothing shared; only
+/// zrTMatrix3x3<double> exists (see small_matrix.h). See the example
+/// docs/examples.md#guide_geometry: the transforms of the geometry subsystem are built on
+/// it.
 template <class T>
 class ZR_API zrTMatrix3x3 {
  public:

@@ -79,6 +79,15 @@
 #include "zr/core/core.h"
 #include "zr/values/values.h"
 
+/// The mathematical vector of T: a first element, a length and a step (any sign, 0
+/// included) over a reference-counted block, with element-wise arithmetic, products,
+/// norms and the flat form.
+/// Who shares the block (unlike zrSimpleArray, on purpose): the copy constructor and the
+/// windows SHARE it; operator= copies VALUES into the current elements (in place for
+/// every sharer when the lengths agree); Copy(), ReSet() to another length and the
+/// length-changing edits leave this vector a fresh private block (see vector.h). See the
+/// example docs/examples.md#guide_linalg and examples/zr_interp.cpp, whose points are
+/// zrColumnVector, a zrVector.
 template <class T>
 class ZR_API zrVector : public zrPArray {
   ZR_TYPE_IDENTITY

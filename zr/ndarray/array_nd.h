@@ -94,6 +94,15 @@ enum class NDOp { kAssign, kAdd, kSub, kMul, kDiv, kOther };
 ZR_API int NDVectorLevel(int level);
 }  // namespace zr::detail
 
+/// The typed N-dimensional array of T: a zrArrayNDAbs geometry over a reference-counted
+/// block, with strides of any sign, element-wise operators, comparisons, reductions and
+/// the flat form.
+/// Who shares the block: the views (Flip, SwapAxis, Rotate90, Rotate180, SetSubWindow,
+/// the slices, the three-source Set forms) and Move share it and copy nothing; the copy
+/// constructor makes a deep, dense copy; Set and Init with other sizes take a new private
+/// block; operator=, Fill and the compound operators write through the array's own
+/// strides, so a view writes into the array it views (the full rules are in array_nd.h).
+/// See the example examples/ndarray_views.cpp and docs/examples.md#guide_ndarray.
 template <class T>
 class ZR_API zrArrayND : public zrArrayNDAbs {
   ZR_TYPE_IDENTITY
@@ -106,6 +115,9 @@ class ZR_API zrArrayND : public zrArrayNDAbs {
   // element's own (a 3 x 2 array flipped along dimension 0 has EndPos 0, a step of 0 leaves the
   // pointer where it was), every walk also marks its end, and iterators compare equal when both
   // address and mark agree. Changing the array's geometry or storage invalidates them.
+  /// The forward iterator of begin() and end() (iterator, const_iterator): it visits every
+  /// element once, in storage order. Changing the array's geometry or storage invalidates
+  /// it. See the example docs/examples.md#guide_ndarray, a range-for over an array.
   template <class E>
   class Iter : public zrArrayNDAbs::Index {
    public:

@@ -52,6 +52,12 @@
 #include "zr/arrays/arrays.h"
 #include "zr/core/core.h"
 
+/// The geometry of an N-dimensional array without an element type: the size and the
+/// signed stride of every dimension (dimension 0 varies fastest), the derived carries and
+/// extents, and the checks every geometry passes before it is taken (see array_nd_abs.h).
+/// It holds the element block as a zrPArray; zrArrayND<T> says which of its operations
+/// share the block. See the example examples/ndarray_views.cpp, which reads Range() and
+/// Tab() of flipped and swapped views.
 class ZR_API zrArrayNDAbs : public zrPArray {
   ZR_TYPE_IDENTITY
  public:
@@ -60,6 +66,8 @@ class ZR_API zrArrayNDAbs : public zrPArray {
   /// Besides the counters an Index holds a counted share of the sizes array of the array
   /// it was set from (the sizes its walk reads), so those sizes stay allocated as long
   /// as the index lives. Changing the array's geometry still invalidates the walk.
+  /// The iterators of zrArrayND are built on it: see the example
+  /// docs/examples.md#guide_ndarray, a range-for over an array.
   class ZR_API Index : public zrArray<int> {
     ZR_TYPE_IDENTITY
    public:

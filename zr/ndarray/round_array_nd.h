@@ -22,6 +22,13 @@
 #include "zr/core/core.h"
 #include "zr/ndarray/array_nd_abs.h"
 
+/// A multi-index cursor over the geometry of an N-dimensional array: its elements are the
+/// coordinates, one per dimension, and Pos is their element offset under the strides;
+/// stepping forward runs through every position in storage order and wraps round.
+/// Who shares: the coordinates are a zrArray<int> of its own (the copy constructor copies
+/// them); the sizes and strides it runs over are referred to, not owned or counted, so the
+/// geometry must outlive the cursor (see round_array_nd.h). See the example
+/// examples/ndarray_views.cpp for the geometry a cursor walks.
 class ZR_API zrRoundArrayND : public zrArray<int> {
   ZR_TYPE_IDENTITY
  public:

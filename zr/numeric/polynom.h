@@ -39,6 +39,12 @@
 #include "zr/core/core.h"
 #include "zr/linalg/linalg.h"
 
+/// A polynomial of TT in one variable about a centre x0, in power or Taylor coefficients,
+/// with its value and derivatives; only zrPolynom<double> exists.
+/// Who shares: the polynomial is its zrColumnVector of coefficients, so the copy
+/// constructor and the constructor from a coefficient column SHARE the coefficients;
+/// operator= and SetKoef copy values (see polynom.h). See the example
+/// docs/examples.md#guide_numeric.
 template <class TT>
 class ZR_API zrPolynom : public zrColumnVector<TT> {
   ZR_TYPE_IDENTITY

@@ -93,6 +93,7 @@ class zrCurve2D;
 ///   Clamped(left, right)   MkSpline3 with codes (3, 0), values(0, 0) = left and
 ///                          values(0, 1) = right, the rest zero (the slopes at the ends);
 ///   Periodic()             MkPeriodSpline3().
+/// A plain value. See the example docs/examples.md#guide_numeric.
 class zrSplineEnd {
  public:
   enum Kind { kNatural, kClamped, kPeriodic };
@@ -116,6 +117,13 @@ class zrSplineEnd {
   double right_;
 };
 
+/// A cubic (or broken-line) interpolating function y(x) through n points, with natural,
+/// clamped and periodic end conditions, values and derivatives; only zrSpline<double>
+/// exists.
+/// Who shares: nobody. The points and segments are the spline's own: the constructor
+/// from points, Set, the copy constructor and operator= copy values into its private
+/// block (see spline.h for the builders, the check and the errors). See the example
+/// examples/zr_interp.cpp.
 template <class TT>
 class ZR_API zrSpline : public zrUsingNew {
   ZR_TYPE_IDENTITY

@@ -17,6 +17,8 @@
 
 /// An error with two codes and a text of the user's. The message goes to the buffer; the
 /// text is kept in a private copy, which owns its characters whatever the argument did.
+/// Copies share the stored string. See the example docs/examples.md#guide_core: it is
+/// caught as the root, zrExceptionWithMessage, like every error.
 class ZR_API zrTarnError : public zrExceptionWithMessage {
  public:
   /// First code -1, second code `code`.
@@ -39,6 +41,8 @@ class ZR_API zrTarnError : public zrExceptionWithMessage {
 /// A function that is not implemented. The buffer receives "Function " + name + " don't
 /// implemented" (the wording is the library's own), cut as one text; the name is kept as
 /// it was passed (a view of outside characters stays one).
+/// Copies share the stored name. See the example docs/examples.md#guide_core: it is
+/// caught as the root, zrExceptionWithMessage, like every error.
 class ZR_API zrErr_NoImplemented : public zrExceptionWithMessage {
  public:
   explicit zrErr_NoImplemented(zrString name);

@@ -41,6 +41,14 @@
 #include "zr/arrays/simple_array.h"
 #include "zr/core/core.h"
 
+/// The library's byte string: a zrArray<char> of the characters (no terminating zero
+/// counted), with comparison, search, a tokenizer and a splitter.
+/// Who owns the characters: a string made from const text (a literal) owns a private
+/// copy; one made from a char* views the caller's characters uncounted; Left, Right, Mid
+/// and Tokenize give uncounted views of this string's characters, which must not outlive
+/// them; the copy constructor, +, += and GetUnion give strings of their own; assignment
+/// of an equal length writes in place (see string.h). See the example
+/// docs/examples.md#guide_text and examples/persistence.cpp.
 class ZR_API zrString : public zrArray<char> {
   ZR_TYPE_IDENTITY
  public:

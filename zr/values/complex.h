@@ -42,6 +42,11 @@ inline int PairFromMem(const unsigned char* buffer, double& first, double& secon
 
 }  // namespace zr::detail
 
+/// The library's complex number: a plain value of two doubles, the real part then the
+/// imaginary part, copied whole by copy and assignment (no block, nothing shared). Its
+/// division, its *= and its ordering follow the library's own rules, not textbook
+/// arithmetic (see complex.h). See the example docs/examples.md#guide_values and
+/// examples/persistence.cpp.
 class ZR_API zrComplex {
  public:
   /// Both parts uninitialised.

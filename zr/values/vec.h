@@ -32,6 +32,10 @@ class zrMatrix2x2;
 template <class T>
 class zrTMatrix3x3;
 
+/// A point or vector of the plane: a plain value of two doubles (x, y), copied whole (no
+/// block, nothing shared). Arithmetic is componentwise and the ordering a partial one that
+/// holds when it holds for every component (see vec.h). See the example
+/// docs/examples.md#guide_values and examples/contours.cpp.
 class ZR_API zrVec2 {
  public:
   /// Components uninitialised.
@@ -117,6 +121,9 @@ namespace zr::detail {
 inline bool FlatWalk(FlatCursor& cursor, const zrVec2& v) { return FixedFlatWalk(cursor, v); }
 }  // namespace zr::detail
 
+/// A point or vector of space: a plain value of three components (x, y, z), copied whole
+/// (no block, nothing shared); only zrTVec3<double> exists. Arithmetic is componentwise,
+/// as for zrVec2 (see vec.h). See the example examples/beta_tube.cpp.
 template <class T>
 class ZR_API zrTVec3 {
  public:
