@@ -297,11 +297,13 @@ class ZR_API zrArrayND : public zrArrayNDAbs {
     for (int k = 0; k < index.Len(); ++k) off += Offset(index[k], k);
     return p_[off];
   }
-  /// The same element with the indices checked first (BadParameters, the numbers written
-  /// out): an array without dimensions throws "zrArrayND::at: the array has no
-  /// dimensions.", an index count other than GetDim() "zrArrayND::at: <c> indices for <d>
-  /// dimensions.", and the first index, in dimension order, outside its range
-  /// "zrArrayND::at: index <i> on axis <k> is outside [0, <Range[k]>).".
+  /// The same element with the indices checked first, throwing BadParameters with the
+  /// numbers written out. An array without dimensions:
+  ///   "zrArrayND::at: the array has no dimensions."
+  /// an index count other than GetDim(), say 2 indices on 3 dimensions:
+  ///   "zrArrayND::at: 2 indices for 3 dimensions."
+  /// the first index, in dimension order, outside its range, say 4 on an axis 0 of 4:
+  ///   "zrArrayND::at: index 4 on axis 0 is outside [0, 4)."
   T& at(int i) const;
   T& at(int i, int j) const;
   T& at(int i, int j, int k) const;
