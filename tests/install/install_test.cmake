@@ -80,14 +80,18 @@ if(STEP STREQUAL "version")
     execute_process(COMMAND ${CMAKE_COMMAND} -S ${CMAKE_CURRENT_LIST_DIR}/version -B ${build}
         -G ${GENERATOR} -DZR_REQUEST=${request} -DCMAKE_PREFIX_PATH=${prefix}
       RESULT_VARIABLE rc OUTPUT_VARIABLE out ERROR_VARIABLE out)
+    string(REGEX REPLACE "[ \n]+" " " flat "${out}")  # CMake wraps its messages
     if(request STREQUAL accepted AND NOT rc EQUAL 0)
       message(FATAL_ERROR "find_package(zr ${request}) failed with zr ${VERSION}:\n${out}")
     elseif(NOT request STREQUAL accepted AND
-           (rc EQUAL 0 OR NOT out MATCHES "compatible with requested version"))
+           (rc EQUAL 0 OR NOT flat MATCHES "compatible with requested version \"${request}\""))
       message(FATAL_ERROR "find_package(zr ${request}) did not refuse zr ${VERSION}:\n${out}")
     endif()
-    message(STATUS "find_package(zr ${request}) with zr ${VERSION}: "
-      "${rc}: refused or accepted as it should")
+    if(request STREQUAL accepted)
+      message(STATUS "find_package(zr ${request}) accepts zr ${VERSION}")
+    else()
+      message(STATUS "find_package(zr ${request}) refuses zr ${VERSION}")
+    endif()
   endforeach()
   return()
 endif()
@@ -105,7 +109,7 @@ if(STEP STREQUAL "pkg-config")
   set(env ${CMAKE_COMMAND} -E env PKG_CONFIG_PATH=${pcdir})
 endif()
 run(${env} ${CMAKE_COMMAND} -S ${CMAKE_CURRENT_LIST_DIR}/consumer -B ${build}
-  -G ${GENERATOR} -DCMAKE_BUILD_TYPE=${CONFIG} -DZR_FIND=${STEP}
+  -G ${GENERATOR} -DCMAKE_BUILD_TYPE=${CONFIG} -DZR_FIND=${STEP} -DZR_EXPECT_SHARED=${SHARED}
   -DCMAKE_PREFIX_PATH=${prefix} -DCMAKE_CXX_COMPILER=${CXX}
   "-DCMAKE_CXX_FLAGS=${CXX_FLAGS}" "-DCMAKE_EXE_LINKER_FLAGS=${LINKER_FLAGS}")
 run(${CMAKE_COMMAND} --build ${build} ${config_opt})
