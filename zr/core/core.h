@@ -11,3 +11,4 @@
 #include "zr/core/serialize.h"
 #include "zr/core/traits.h"
 #include "zr/core/using_new.h"
+#include "zr/core/version.h"

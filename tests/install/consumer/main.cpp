@@ -2,6 +2,14 @@
 // operation and an exception thrown inside the library.
 #include <zr/zr.h>
 
+// A static zr's users are compiled with ZR_STATIC (its package and zr.pc say so), a
+// shared zr's without.
+#if ZR_EXPECT_STATIC && !defined(ZR_STATIC)
+#error "a static zr did not give its users ZR_STATIC"
+#elif !ZR_EXPECT_STATIC && defined(ZR_STATIC)
+#error "a shared zr gave its users ZR_STATIC"
+#endif
+
 #include <cstdio>
 #include <cstring>
 
@@ -11,6 +19,7 @@ int main() {
   w[1] = 5.0;
   zrComplex z = zrComplex(1.0, 2.0) * zrComplex(3.0, -1.0);  // 5 + 5i
   zrString s("installed");
+  static_assert(ZR_VERSION >= 100, "the version macros reach the installed headers");
   bool refused = false;
   try {
     a.Left(5);
