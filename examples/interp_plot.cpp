@@ -144,7 +144,7 @@ struct Axis {
     char buf[64];
     std::snprintf(buf, sizeof buf, "%.*f", decimals, u);
     std::string s = buf;
-    if (s.find_first_not_of("-0.") == std::string::npos) s = "0";  // no "-0.00"
+    if (s[0] == '-' && s.find_first_not_of("-0.") == std::string::npos) s.erase(0, 1);  // no -0.0
     return s;
   }
   // What the labels leave out: "×1e9", "+1e+14", both, or nothing.

@@ -271,8 +271,10 @@ Input ReadPoints(std::istream& in, const std::string& name) {
           continue;
         }
       }
-      throw InputError{name + ":" + std::to_string(no) +
-                       ": expected two numbers \"x y\", \"x,y\" or \"x;y\", got \"" + line + "\""};
+      throw InputError{
+          name + ":" + std::to_string(no) +
+          ": expected two numbers separated by spaces, a comma or a semicolon, got \"" + line +
+          "\""};
     }
     if (!r.points.empty() && !(p.x > r.points.back().x)) {
       throw InputError{name + ":" + std::to_string(no) + ": abscissae must increase: x = " +
@@ -290,7 +292,7 @@ Input ReadPoints(std::istream& in, const std::string& name) {
   }
   if (r.points.size() == 1)
     throw InputError{name + ":" + std::to_string(r.lines[0]) +
-                     ": only one point; interpolation needs two at least"};
+                     ": only one point: interpolation needs two at least"};
   return r;
 }
 

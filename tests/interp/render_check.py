@@ -101,6 +101,19 @@ def check_markers(svg, places, name):
             raise AssertionError(f"{name}: a marker at ({cx}, {cy}) is at no data point")
 
 
+def check_padding(svg, places, name):
+    """The points keep 3 to 5 % of the plot's width and height clear of its frame; the
+    first and last point sit in that band."""
+    m = re.search(r"-> (\S+) (\S+), y \S+ \S+ -> (\S+) (\S+) -->", svg)
+    left, right, bottom, top = map(float, m.groups())
+    dx, dy = right - left, bottom - top
+    xs, ys = [p[0] for p in places], [p[1] for p in places]
+    gaps = ((min(xs) - left) / dx, (right - max(xs)) / dx,
+            (min(ys) - top) / dy, (bottom - max(ys)) / dy)
+    if min(gaps) < 0.03 or max(gaps[:2]) > 0.05:
+        raise AssertionError(f"{name}: padding left, right, top, bottom {gaps}")
+
+
 def on_curve(pixels, px, py):
     """Whether a pixel within one of (px, py) has the curve's colour."""
     col, row = int(math.floor(px)), int(math.floor(py))
@@ -130,6 +143,7 @@ def check_rendered(svg_path, svg, points, name, every=1):
     to_px = mapping(svg)
     places = [to_px(x, y) for x, y in points]
     check_markers(svg, places, name)
+    check_padding(svg, places, name)
     missed = [(points[i], places[i]) for i in range(0, len(points), every)
               if not on_curve(pixels, *places[i])]
     if missed:
@@ -170,6 +184,8 @@ def million(prog, out, render):
     if size > MAX_SVG_BYTES:
         raise AssertionError(f"million: the plot has {size} bytes, over {MAX_SVG_BYTES}")
     print(f"million: {size} bytes")
+    to_px = mapping(svg)
+    check_padding(svg, [to_px(x, y) for x, y in points], "million")
     if render:
         check_rendered(svg_path, svg, points, "million", every=7)
 
