@@ -162,7 +162,9 @@ struct Axis {
   }
 };
 
-Axis MakeAxis(double lo, double hi) {
+// False when the range cannot be drawn in doubles: infinite, or too narrow for its values.
+bool MakeAxis(double lo, double hi, Axis& a) {
+  if (!std::isfinite(hi - lo)) return false;
   if (!(hi > lo)) {  // a constant: open half its size (or one unit) around it
     const double half = lo != 0 ? std::fabs(lo) * 0.5 : 1;
     lo -= half;
@@ -172,10 +174,11 @@ Axis MakeAxis(double lo, double hi) {
     lo -= pad;
     hi += pad;
   }
-  Axis a{};
+  a = Axis{};
   a.lo = lo;
   a.hi = hi;
   const double raw = (hi - lo) / 5;
+  if (!(raw > 0) || !std::isfinite(raw)) return false;
   a.p = static_cast<int>(std::floor(std::log10(raw)));
   const double f = raw / std::pow(10.0, a.p);
   int mult = f <= 1 ? 1 : f <= 2 ? 2 : f <= 5 ? 5 : 10;
@@ -185,7 +188,9 @@ Axis MakeAxis(double lo, double hi) {
   }
   a.step = mult * std::pow(10.0, a.p);
   a.first = std::ceil(lo / a.step) * a.step;
-  a.count = static_cast<int>(std::floor((hi - a.first) / a.step + 1e-9)) + 1;
+  const double count = std::floor((hi - a.first) / a.step + 1e-9) + 1;
+  if (!(count >= 2 && count <= 12)) return false;
+  a.count = static_cast<int>(count);
   const double last = a.Tick(a.count - 1);
   if (std::max(std::fabs(a.first), std::fabs(last)) / a.step >= 1e5) {
     const double q = std::pow(10.0, a.p + 1);
@@ -193,7 +198,7 @@ Axis MakeAxis(double lo, double hi) {
   }
   if (a.p >= 6 || a.p <= -5) a.exp = a.p;
   a.decimals = std::max(0, a.exp - a.p);
-  return a;
+  return true;
 }
 
 // The curve as one path: pieces a pixel wide or more as exact Bezier curves (a cubic over
@@ -276,7 +281,8 @@ std::string SvgPlot(const Plot& plot) {
     for (double x : c.Extrema()) widen(c.Value(x));
   }
   for (const Point& m : plot.marks) widen(m.y);
-  const Axis ax = MakeAxis(pieces.front().a.x, pieces.back().b.x), ay = MakeAxis(ylo, yhi);
+  Axis ax, ay;
+  if (!MakeAxis(pieces.front().a.x, pieces.back().b.x, ax) || !MakeAxis(ylo, yhi, ay)) return "";
   auto sx = [&](double x) { return kLeft + (x - ax.lo) / (ax.hi - ax.lo) * kPlotW; };
   auto sy = [&](double y) { return kTop + (ay.hi - y) / (ay.hi - ay.lo) * kPlotH; };
   auto at = [&](Point p) { return Point{sx(p.x), sy(p.y)}; };

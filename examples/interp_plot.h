@@ -42,7 +42,8 @@ struct Plot {
 // pixel wide is drawn exactly, as a cubic Bezier; narrower ones are merged per pixel
 // column into the column's extreme values, so the size is bounded whatever the number of
 // points. The markers shrink as points get dense and keep one per small cell of the plot.
-// A comment near the top gives the mapping from data to SVG coordinates.
+// A comment near the top gives the mapping from data to SVG coordinates. Empty when the
+// ranges cannot be drawn in doubles (beyond their range, or narrower than their rounding).
 std::string SvgPlot(const Plot& plot);
 
 }  // namespace interp

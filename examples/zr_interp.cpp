@@ -464,6 +464,10 @@ int Run(const Options& o) {
     if (!o.ylabel.empty()) plot.ylabel = o.ylabel;
     for (double x : o.at) plot.marks.push_back({x, f.Value(x)});
     const std::string svg = interp::SvgPlot(plot);
+    if (svg.empty())
+      throw InputError{in.name +
+                       ": cannot plot these points: the span of x or y is too wide or "
+                       "too narrow for double precision"};
     if (o.svg == "-") {
       std::fwrite(svg.data(), 1, svg.size(), stdout);
     } else {
