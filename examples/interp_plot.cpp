@@ -72,7 +72,10 @@ const char kCurveColour[] = "#1f5fbf";
 const char kPointColour[] = "#d62728";
 const char kMarkColour[] = "#ff7f0e";
 
+// printf to the end of out.
+#if defined(__GNUC__)
 void Add(std::string& out, const char* fmt, ...) __attribute__((format(printf, 2, 3)));
+#endif
 void Add(std::string& out, const char* fmt, ...) {
   char buf[512];
   va_list ap;
