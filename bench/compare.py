@@ -27,6 +27,7 @@ PROGRAMS = [
     ("zr_spline_bench", "^spline_"),
     ("zr_ndarray_bench", "^nd_add_"),
     ("zr_array_bench", "^(push_back|concat)/"),
+    ("zr_fct_bench", "^fct_"),
 ]
 
 # Benchmarks are named "<case>/<implementation>/<size>". For each case: its label, the
@@ -55,6 +56,10 @@ CASES = [
      [("eigen", "Eigen shuffle")]),
     ("push_back", "push_back double", "ns/item", [100000], [("std", "std::vector")]),
     ("concat", "Concat 1000-blocks", "ns/item", [100000], [("std", "std::vector insert")]),
+    ("fct_forward", "cosine transform DCT-II", "ns/elem", [1024, 65536, 1048576, 1000, 999983],
+     [("fftw", "FFTW REDFT10")]),
+    ("fct_inverse", "cosine transform DCT-III", "ns/elem", [1024, 65536, 1048576, 1000, 999983],
+     [("fftw", "FFTW REDFT01")]),
 ]
 
 # The goals: (case, size) -> [(reference case, reference implementation, factor, text)].
@@ -73,6 +78,10 @@ TARGETS = {
                            ("nd_add_swap", "eigen", 1.5, ">= 1.5x Eigen shuffle")],
     ("push_back", 100000): [("push_back", "std", 1.0 / 3.0, ">= 1/3 of std::vector")],
 }
+# The cosine transforms: within 1.5x of FFTW's time at every size, both directions.
+for _case, _peer in (("fct_forward", "fftw"), ("fct_inverse", "fftw")):
+    for _n in (1024, 65536, 1048576, 1000, 999983):
+        TARGETS[(_case, _n)] = [(_case, _peer, 1.0 / 1.5, ">= 1/1.5 of FFTW")]
 
 TIME_UNITS = {"ns": 1e-9, "us": 1e-6, "ms": 1e-3, "s": 1.0}
 
@@ -163,6 +172,8 @@ def fmt_ratio(r):
 
 
 def size_text(n):
+    if n >= 1024 and n & (n - 1) == 0:
+        return "2^%d" % (n.bit_length() - 1)
     digits = str(n)
     if n >= 1000 and digits == "1" + "0" * (len(digits) - 1):
         return "1e%d" % (len(digits) - 1)
@@ -245,7 +256,8 @@ def machine(context):
     parts.append("compiler %s, %s, flags `%s`" % (
         context.get("zr_compiler", "?"), context.get("zr_build_type", "?"),
         context.get("zr_cxx_flags", "?")))
-    peers = [("Eigen", "peer_eigen"), ("", "peer_openblas"), ("GSL", "peer_gsl")]
+    peers = [("Eigen", "peer_eigen"), ("", "peer_openblas"), ("GSL", "peer_gsl"),
+             ("", "peer_fftw")]
     parts.append("peers: " + ", ".join(("%s %s" % (title, context[key])).strip()
                                        for title, key in peers if key in context))
     parts.append("run %s" % context.get("date", datetime.datetime.now().isoformat()))

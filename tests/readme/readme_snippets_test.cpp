@@ -5,6 +5,7 @@
 
 #include <zr/zr.h>
 
+#include <cmath>
 #include <cstdio>
 #include <cstring>
 #include <vector>
@@ -148,9 +149,17 @@ TEST(Readme, Numeric) {
   zrPolynom<double> p(k, 1.0, zrPolynom<double>::PowerKoef);
   double y = p(3.0);                    // 17
   double slope = p.Derivative(3.0, 1);  // 14
+  zrFCTT dct(3);       // a cosine transform plan for length 3, reused for every call
+  zrVector<double> c;  // takes fresh storage of length 3
+  dct.Forward(k, c);   // c = (6, sqrt(3), 0), the DCT-II of (3, 2, 1); dct.Inverse(c) undoes it
   // [end]
   EXPECT_EQ(y, 17.0);
   EXPECT_EQ(slope, 14.0);
+  EXPECT_NEAR(c[0], 6.0, 1e-14);
+  EXPECT_NEAR(c[1], std::sqrt(3.0), 1e-14);
+  EXPECT_NEAR(c[2], 0.0, 1e-14);
+  dct.Inverse(c);
+  EXPECT_NEAR(c[1], 2.0, 1e-14);
 }
 
 TEST(Readme, Geometry) {
