@@ -5,3 +5,4 @@
 #include "zr/core/core.h"
 #include "zr/numeric/polynom.h"
 #include "zr/numeric/spline.h"
+#include "zr/numeric/extremum.h"
