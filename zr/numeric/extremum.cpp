@@ -53,51 +53,100 @@ struct State {
 
 double Tol1(double x, double absTol, double relTol) { return relTol * std::fabs(x) + absTol; }
 
+// The next point of Brent's method from the state (updates d and e).
+double BrentStep(State& s, double m, double tol1, double tol2) {
+  bool golden = true;
+  if (std::fabs(s.e) > tol1) {
+    // The parabola through (x, fx), (w, fw), (v, fv): its vertex is x + p / q. Infinite
+    // values make p or q NaN, and every comparison below then falls to a golden step.
+    double r = (s.x - s.w) * (s.fx - s.fv);
+    double q = (s.x - s.v) * (s.fx - s.fw);
+    double p = (s.x - s.v) * q - (s.x - s.w) * r;
+    q = 2.0 * (q - r);
+    if (q > 0.0)
+      p = -p;
+    else
+      q = -q;
+    const double before = s.e;
+    s.e = s.d;
+    // Accepted when it moves less than half the step before last (so the steps shrink)
+    // and stays inside the bracket.
+    if (std::fabs(p) < std::fabs(0.5 * q * before) && p > q * (s.a - s.x) && p < q * (s.b - s.x)) {
+      s.d = p / q;
+      const double u = s.x + s.d;
+      if (u - s.a < tol2 || s.b - u < tol2) s.d = s.x < m ? tol1 : -tol1;
+      golden = false;
+    }
+  }
+  if (golden) {
+    s.e = s.x >= m ? s.a - s.x : s.b - s.x;
+    s.d = kGolden * s.e;
+  }
+  // Never closer to x than tol1: nearer points say nothing the function can tell apart.
+  if (std::fabs(s.d) >= tol1) return s.x + s.d;
+  return s.d >= 0.0 ? s.x + tol1 : s.x - tol1;
+}
+
+// The ends of the interval of a search on [a, b]: Brent's iteration never evaluates them,
+// so a minimum at an end is only approached, a golden step at a time. When the evidence
+// points at an end (the best point is the nearest to it, and the convex parabola through
+// the three best points has its vertex at or beyond it), the end is evaluated once; if it
+// is the best point, one step of tol1 inside it settles the search.
+struct Ends {
+  bool active = false;
+  double lo = 0, hi = 0;
+  bool loDone = false, hiDone = false;
+  double probe = 0;  // a step to take next from x, or 0
+};
+
+// The vertex of the parabola through the three best points when they are distinct and it is
+// convex; false otherwise (infinite values give NaN or false here, never a vertex).
+bool ConvexVertex(const State& s, double* at) {
+  if (s.x == s.w || s.x == s.v || s.w == s.v) return false;
+  const double d1 = (s.fw - s.fx) / (s.w - s.x);
+  const double d2 = (s.fv - s.fx) / (s.v - s.x);
+  const double c = (d1 - d2) / (s.w - s.v);
+  if (!(c > 0.0)) return false;
+  *at = 0.5 * (s.x + s.w) - d1 / (2.0 * c);
+  return true;
+}
+
+// The end to evaluate next, if any (see Ends).
+bool EndStep(const State& s, Ends& ends, double* u) {
+  double at;
+  if (!ends.active || !ConvexVertex(s, &at)) return false;
+  if (!ends.loDone && s.a == ends.lo && at <= ends.lo && s.x < s.w && s.x < s.v) {
+    ends.loDone = true;
+    *u = ends.lo;
+    return true;
+  }
+  if (!ends.hiDone && s.b == ends.hi && at >= ends.hi && s.x > s.w && s.x > s.v) {
+    ends.hiDone = true;
+    *u = ends.hi;
+    return true;
+  }
+  return false;
+}
+
 // Brent's iteration until the bracket is within 2 * tol of x on both sides (true) or the
 // calls run out (false). Every step lands strictly inside (a, b): a parabolic step is
 // accepted only inside and at least 2 * tol from the ends, a golden step goes into the larger
-// part, which is longer than 2 * tol while the test fails.
-bool RunBrent(Probe& probe, double absTol, double relTol, State& s) {
+// part, which is longer than 2 * tol while the test fails. The only points on the bracket's
+// ends are the interval's own ends, evaluated as Ends says.
+bool RunBrent(Probe& probe, double absTol, double relTol, State& s, Ends& ends) {
   for (;;) {
     const double m = 0.5 * (s.a + s.b);
     const double tol1 = Tol1(s.x, absTol, relTol);
     const double tol2 = 2.0 * tol1;
     if (std::fabs(s.x - m) <= tol2 - 0.5 * (s.b - s.a)) return true;
     if (probe.Spent()) return false;
-    bool golden = true;
-    if (std::fabs(s.e) > tol1) {
-      // The parabola through (x, fx), (w, fw), (v, fv): its vertex is x + p / q. Infinite
-      // values make p or q NaN, and every comparison below then falls to a golden step.
-      double r = (s.x - s.w) * (s.fx - s.fv);
-      double q = (s.x - s.v) * (s.fx - s.fw);
-      double p = (s.x - s.v) * q - (s.x - s.w) * r;
-      q = 2.0 * (q - r);
-      if (q > 0.0)
-        p = -p;
-      else
-        q = -q;
-      const double before = s.e;
-      s.e = s.d;
-      // Accepted when it moves less than half the step before last (so the steps shrink)
-      // and stays inside the bracket.
-      if (std::fabs(p) < std::fabs(0.5 * q * before) && p > q * (s.a - s.x) &&
-          p < q * (s.b - s.x)) {
-        s.d = p / q;
-        const double u = s.x + s.d;
-        if (u - s.a < tol2 || s.b - u < tol2) s.d = s.x < m ? tol1 : -tol1;
-        golden = false;
-      }
-    }
-    if (golden) {
-      s.e = s.x >= m ? s.a - s.x : s.b - s.x;
-      s.d = kGolden * s.e;
-    }
-    // Never closer to x than tol1: nearer points say nothing the function can tell apart.
     double u;
-    if (std::fabs(s.d) >= tol1)
-      u = s.x + s.d;
-    else
-      u = s.d >= 0.0 ? s.x + tol1 : s.x - tol1;
+    if (ends.probe != 0.0) {
+      u = s.x + ends.probe;
+      ends.probe = 0.0;
+    } else if (!EndStep(s, ends, &u)) {
+      u = BrentStep(s, m, tol1, tol2);
+    }
     const double fu = probe(u);
     if (fu <= s.fx) {
       if (u >= s.x)
@@ -110,6 +159,8 @@ bool RunBrent(Probe& probe, double absTol, double relTol, State& s) {
       s.fw = s.fx;
       s.x = u;
       s.fx = fu;
+      if (ends.active && (u == ends.lo || u == ends.hi))
+        ends.probe = u == ends.lo ? Tol1(u, absTol, relTol) : -Tol1(u, absTol, relTol);
     } else {
       if (u < s.x)
         s.a = u;
@@ -181,14 +232,17 @@ zrExtremumResult zrFindExtremum(zrExtremumFunction f, void* user, double a, doub
   s.w = s.v = s.x;
   s.fw = s.fv = s.fx;
   s.d = s.e = 0.0;
-  if (!RunBrent(probe, absTol, relTol, s)) return Finish(probe, s, false);
+  Ends ends;
+  ends.active = true;
+  ends.lo = a;
+  ends.hi = b;
+  if (!RunBrent(probe, absTol, relTol, s, ends)) return Finish(probe, s, false);
 
-  // Brent's search never evaluates the ends. When it stops next to an end that still bounds
-  // the bracket (no point between them was worse), the extremum may be the end itself: one
-  // call settles it.
+  // When the search stops next to an end not yet evaluated that still bounds the bracket (no
+  // point between them was worse), the extremum may be the end itself: one call settles it.
   const double tol2 = 2.0 * Tol1(s.x, absTol, relTol);
-  const bool nearA = s.a == a && s.x - a <= tol2;
-  const bool nearB = s.b == b && b - s.x <= tol2;
+  const bool nearA = !ends.loDone && s.a == a && s.x - a <= tol2;
+  const bool nearB = !ends.hiDone && s.b == b && b - s.x <= tol2;
   if ((nearA || nearB) && !probe.Spent()) {
     const double end = nearA && (!nearB || s.x - a <= b - s.x) ? a : b;
     const double fend = probe(end);
@@ -254,6 +308,7 @@ zrExtremumResult zrFindExtremum(zrExtremumFunction f, void* user, zrExtremumStar
   }
   s.d = c - b;
   s.e = b - a;
-  const bool converged = RunBrent(probe, options.absTol, RelTol(options), s);
+  Ends none;
+  const bool converged = RunBrent(probe, options.absTol, RelTol(options), s, none);
   return Finish(probe, s, converged);
 }
