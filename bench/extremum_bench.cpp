@@ -11,12 +11,16 @@
 // tolerance when it stopped by the test (not by the limit of 1000 evaluations) and the true
 // minimum lies within 2 * tol of the x it returned.
 //
+// Besides single functions, the families move the minimum of one shape across the interval
+// (40 positions), so that no row rests on where the first points happen to fall.
+//
 // Benchmarks are named "extremum/<implementation>/<case>", with the case's function and
-// tolerance in the label and the counters "evaluations", "met" and "error" (|x - x*|).
+// tolerance in the label and the counters "evaluations" (all members together), "met" (the
+// members that met the tolerance), "members" and "error" (the largest |x - x*|).
 #include <benchmark/benchmark.h>
 
 #include <cmath>
-#include <cstdio>
+#include <functional>
 #include <string>
 
 #include "zr/zr.h"
@@ -35,33 +39,43 @@ namespace {
 
 constexpr int kLimit = 1000;
 
+// A function of x with a parameter s (the position of its minimum for the shifted ones).
+using Shape = double (*)(double x, double s);
+
+double Cos(double x, double) { return std::cos(x); }
+double Gamma(double x, double) { return std::tgamma(x); }
+double Exp(double x, double) { return std::exp(x); }
+double Quartic(double x, double s) { return (x - s) * (x - s) * (x - s) * (x - s); }
+double Kink(double x, double s) { return std::sqrt(std::fabs(x - s)); }
+double Jump(double x, double s) { return x < s ? 2.0 - x : x - s + 0.1; }
+double Well(double x, double s) { return 1.0 - std::exp(-10.0 * (x - s) * (x - s)); }
+
 struct Function {
   const char* name;
-  double (*f)(double);
+  Shape f;
   double a, b;
-  double xmin;  // the true minimum
+  double xmin;  // the true minimum (for a family: that of the first member)
+  int members;  // 1, or a family of `members` shifts of the minimum over [s0, s1]
+  double s0, s1;
 };
 
-double Cos(double x) { return std::cos(x); }
-double Quartic(double x) { return x * x * x * x; }
-double Kink(double x) { return std::sqrt(std::fabs(x - 0.3)); }
-double Jump(double x) { return x < 0.6 ? 2.0 - x : x - 0.5; }
-double Exp(double x) { return std::exp(x); }
-double Gamma(double x) { return std::tgamma(x); }
-double Narrow(double x) { return 1.0 - std::exp(-1000.0 * (x - 0.123) * (x - 0.123)); }
-
 const Function kFunctions[] = {
-    {"cos x on [0, 6]", Cos, 0.0, 6.0, 3.14159265358979323846},
-    {"Gamma(x) on [1, 2]", Gamma, 1.0, 2.0, 1.4616321449683623},
-    {"x^4 on [-1, 2]", Quartic, -1.0, 2.0, 0.0},
-    {"sqrt|x - 0.3| on [-1, 1]", Kink, -1.0, 1.0, 0.3},
-    {"jump at 0.6 on [0, 1]", Jump, 0.0, 1.0, 0.6},
-    {"exp x on [1, 3] (end)", Exp, 1.0, 3.0, 1.0},
-    {"1 - exp(-1000 (x - 0.123)^2) on [-2, 2]", Narrow, -2.0, 2.0, 0.123},
+    {"cos x on [0, 6]", Cos, 0.0, 6.0, 3.14159265358979323846, 1, 0, 0},
+    {"Gamma(x) on [1, 2]", Gamma, 1.0, 2.0, 1.4616321449683623, 1, 0, 0},
+    {"x^4 on [-1, 2]", Quartic, -1.0, 2.0, 0.0, 1, 0, 0},
+    {"sqrt|x - 0.3| on [-1, 1]", Kink, -1.0, 1.0, 0.3, 1, 0.3, 0.3},
+    {"jump at 0.6 on [0, 1]", Jump, 0.0, 1.0, 0.6, 1, 0.6, 0.6},
+    {"exp x on [1, 3] (end)", Exp, 1.0, 3.0, 1.0, 1, 0, 0},
+    {"1 - exp(-10 (x - 0.123)^2) on [-2, 2]", Well, -2.0, 2.0, 0.123, 1, 0.123, 0.123},
+    {"(x - s)^4 on [-1, 2], 40 s in [-0.9, 1.9]", Quartic, -1.0, 2.0, 0, 40, -0.9, 1.9},
+    {"sqrt|x - s| on [-1, 1], 40 s in [-0.9, 0.9]", Kink, -1.0, 1.0, 0, 40, -0.9, 0.9},
+    {"jump at s on [0, 1], 40 s in [0.05, 0.95]", Jump, 0.0, 1.0, 0, 40, 0.05, 0.95},
+    {"1 - exp(-10 (x - s)^2) on [-2, 2], 40 s in [-1.5, 1.5]", Well, -2.0, 2.0, 0, 40, -1.5, 1.5},
 };
 constexpr int kFunctionCount = sizeof kFunctions / sizeof kFunctions[0];
 
-// Boost's bits for the tolerances: relTol = 2^(1 - bits), absTol = relTol / 4.
+// Boost's bits for the tolerances: relTol = 2^(1 - bits), absTol = relTol / 4 (26 is the
+// most Boost takes for double).
 const int kBits[] = {26, 14};
 constexpr int kCaseCount = kFunctionCount * 2;
 
@@ -82,6 +96,12 @@ Case GetCase(int k) {
   return c;
 }
 
+// Member i of the case's function: its parameter and its minimum.
+double Param(const Function& fn, int i) {
+  return fn.members == 1 ? fn.s0 : fn.s0 + (fn.s1 - fn.s0) * i / (fn.members - 1);
+}
+double Minimum(const Function& fn, int i) { return fn.members == 1 ? fn.xmin : Param(fn, i); }
+
 double Tol(const Case& c, double x) { return c.absTol + c.relTol * std::fabs(x); }
 
 bool WithinTol(const Case& c, double lo, double x, double hi) {
@@ -89,15 +109,37 @@ bool WithinTol(const Case& c, double lo, double x, double hi) {
   return x - lo <= tol2 && hi - x <= tol2;
 }
 
-// The counters of one search.
-void Report(benchmark::State& state, const Case& c, int evaluations, bool stopped, double x) {
-  const double error = std::fabs(x - c.fn->xmin);
-  const bool met = stopped && error <= 2 * Tol(c, x);
+// The evaluations, tolerances met and largest error of the searches of one case.
+struct Tally {
+  int evaluations = 0;
+  int met = 0;
+  double error = 0;
+  void Add(const Case& c, int i, int calls, bool stopped, double x) {
+    const double e = std::fabs(x - Minimum(*c.fn, i));
+    evaluations += calls;
+    if (stopped && e <= 2 * Tol(c, x)) ++met;
+    if (e > error) error = e;
+  }
+};
+
+void Report(benchmark::State& state, const Case& c, const Tally& t) {
   state.SetLabel(c.label);
-  state.counters["evaluations"] = evaluations;
-  state.counters["met"] = met ? 1 : 0;
-  state.counters["error"] = error;
+  state.counters["evaluations"] = t.evaluations;
+  state.counters["met"] = t.met;
+  state.counters["members"] = c.fn->members;
+  state.counters["error"] = t.error;
 }
+
+// Counts the calls of a member.
+struct Counted {
+  Shape f;
+  double s;
+  int calls;
+  double operator()(double x) {
+    ++calls;
+    return f(x, s);
+  }
+};
 
 void Zr(benchmark::State& state) {
   const Case c = GetCase(static_cast<int>(state.range(0)));
@@ -105,25 +147,21 @@ void Zr(benchmark::State& state) {
   o.absTol = c.absTol;
   o.relTol = c.relTol;
   o.maxEvaluations = kLimit;
-  zrExtremumResult r;
+  Tally t;
   for (auto _ : state) {
-    r = zrFindExtremum(c.fn->f, c.fn->a, c.fn->b, zrExtremumKind::Minimum, o);
-    benchmark::DoNotOptimize(r);
+    t = Tally();
+    for (int i = 0; i < c.fn->members; ++i) {
+      Counted f{c.fn->f, Param(*c.fn, i), 0};
+      const zrExtremumResult r = zrFindExtremum(f, c.fn->a, c.fn->b, zrExtremumKind::Minimum, o);
+      t.Add(c, i, r.evaluations, r.converged, r.x);
+    }
+    benchmark::DoNotOptimize(t);
   }
-  Report(state, c, r.evaluations, r.converged, r.x);
+  Report(state, c, t);
 }
 
 #if defined(ZR_BENCH_HAVE_GSL)
-struct Counted {
-  double (*f)(double);
-  int calls;
-};
-
-double GslCall(double x, void* params) {
-  Counted* c = static_cast<Counted*>(params);
-  ++c->calls;
-  return c->f(x);
-}
+double GslCall(double x, void* params) { return (*static_cast<Counted*>(params))(x); }
 
 const bool gsl_registered = [] {
   gsl_set_error_handler_off();
@@ -136,29 +174,31 @@ const bool gsl_registered = [] {
 void Gsl(benchmark::State& state) {
   const Case c = GetCase(static_cast<int>(state.range(0)));
   gsl_min_fminimizer* s = gsl_min_fminimizer_alloc(gsl_min_fminimizer_brent);
-  Counted counted{c.fn->f, 0};
-  gsl_function fn{&GslCall, &counted};
-  double x = 0;
-  bool stopped = false;
+  Tally t;
   for (auto _ : state) {
-    counted.calls = 0;
-    stopped = false;
-    const double guess = c.fn->a + 0.38196601125010515 * (c.fn->b - c.fn->a);
-    x = guess;
-    if (gsl_min_fminimizer_set(s, &fn, guess, c.fn->a, c.fn->b) == GSL_SUCCESS) {
-      while (counted.calls < kLimit) {
-        if (gsl_min_fminimizer_iterate(s) != GSL_SUCCESS) break;
-        x = gsl_min_fminimizer_x_minimum(s);
-        if (WithinTol(c, gsl_min_fminimizer_x_lower(s), x, gsl_min_fminimizer_x_upper(s))) {
-          stopped = true;
-          break;
+    t = Tally();
+    for (int i = 0; i < c.fn->members; ++i) {
+      Counted f{c.fn->f, Param(*c.fn, i), 0};
+      gsl_function fn{&GslCall, &f};
+      const double guess = c.fn->a + 0.38196601125010515 * (c.fn->b - c.fn->a);
+      double x = guess;
+      bool stopped = false;
+      if (gsl_min_fminimizer_set(s, &fn, guess, c.fn->a, c.fn->b) == GSL_SUCCESS) {
+        while (f.calls < kLimit) {
+          if (gsl_min_fminimizer_iterate(s) != GSL_SUCCESS) break;
+          x = gsl_min_fminimizer_x_minimum(s);
+          if (WithinTol(c, gsl_min_fminimizer_x_lower(s), x, gsl_min_fminimizer_x_upper(s))) {
+            stopped = true;
+            break;
+          }
         }
       }
+      t.Add(c, i, f.calls, stopped, x);
     }
-    benchmark::DoNotOptimize(x);
+    benchmark::DoNotOptimize(t);
   }
   gsl_min_fminimizer_free(s);
-  Report(state, c, counted.calls, stopped, x);
+  Report(state, c, t);
 }
 #endif
 
@@ -170,24 +210,20 @@ const bool boost_registered = [] {
 
 void Boost(benchmark::State& state) {
   const Case c = GetCase(static_cast<int>(state.range(0)));
-  int calls = 0;
-  double x = 0;
-  bool stopped = false;
+  Tally t;
   for (auto _ : state) {
-    calls = 0;
-    // The first evaluation is not an iteration: kLimit - 1 iterations make kLimit calls.
-    boost::uintmax_t iterations = kLimit - 1;
-    const auto r = boost::math::tools::brent_find_minima(
-        [&](double t) {
-          ++calls;
-          return c.fn->f(t);
-        },
-        c.fn->a, c.fn->b, c.bits, iterations);
-    x = r.first;
-    stopped = iterations < static_cast<boost::uintmax_t>(kLimit - 1);
-    benchmark::DoNotOptimize(x);
+    t = Tally();
+    for (int i = 0; i < c.fn->members; ++i) {
+      Counted f{c.fn->f, Param(*c.fn, i), 0};
+      // The first evaluation is not an iteration: kLimit - 1 iterations make kLimit calls.
+      boost::uintmax_t iterations = kLimit - 1;
+      const auto r =
+          boost::math::tools::brent_find_minima(std::ref(f), c.fn->a, c.fn->b, c.bits, iterations);
+      t.Add(c, i, f.calls, iterations < static_cast<boost::uintmax_t>(kLimit - 1), r.first);
+    }
+    benchmark::DoNotOptimize(t);
   }
-  Report(state, c, calls, stopped, x);
+  Report(state, c, t);
 }
 #endif
 

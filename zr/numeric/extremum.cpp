@@ -42,21 +42,35 @@ class Probe {
 };
 
 // The search's state: the bracket [a, b]; x the best point, w the second best, v the
-// previous w, with their (searched) values; d the last step and e the one before it.
+// previous w, with their (searched) values; d the last step and e the one before it;
+// the bracket's widths before the last Brent steps (a ring), and their count since the
+// last forced golden step.
 struct State {
   double a, b;
   double x, fx;
   double w, fw;
   double v, fv;
   double d, e;
+  double widths[4];
+  int steps = 0;
 };
 
 double Tol1(double x, double absTol, double relTol) { return relTol * std::fabs(x) + absTol; }
 
 // The next point of Brent's method from the state (updates d and e).
+//
+// Brent's rule lets parabolic steps go on while each is less than half the step before
+// last; on a minimum flatter than a parabola (x^4) they close in from alternating sides by a
+// steady factor, and the bracket shrinks more slowly than golden steps would shrink it. So
+// the bracket must halve every three steps: when it has not, the step is a golden one.
 double BrentStep(State& s, double m, double tol1, double tol2) {
+  const double width = s.b - s.a;
+  const bool stalled = s.steps >= 3 && width > 0.5 * s.widths[(s.steps - 3) % 4];
+  if (stalled) s.steps = 0;
+  s.widths[s.steps % 4] = width;
+  ++s.steps;
   bool golden = true;
-  if (std::fabs(s.e) > tol1) {
+  if (std::fabs(s.e) > tol1 && !stalled) {
     // The parabola through (x, fx), (w, fw), (v, fv): its vertex is x + p / q. Infinite
     // values make p or q NaN, and every comparison below then falls to a golden step.
     double r = (s.x - s.w) * (s.fx - s.fv);
@@ -90,7 +104,7 @@ double BrentStep(State& s, double m, double tol1, double tol2) {
 // The ends of the interval of a search on [a, b]: Brent's iteration never evaluates them,
 // so a minimum at an end is only approached, a golden step at a time. When the evidence
 // points at an end (the best point is the nearest to it, and the convex parabola through
-// the three best points has its vertex at or beyond it), the end is evaluated once; if it
+// the three best points has its vertex at or not far beyond it), the end is evaluated once; if it
 // is the best point, one step of tol1 inside it settles the search.
 struct Ends {
   bool active = false;
@@ -111,16 +125,22 @@ bool ConvexVertex(const State& s, double* at) {
   return true;
 }
 
+// How far beyond an end the vertex may lie, in distances from x to that end, and still point
+// at it: a nearly straight fit (a linear piece, a jump) puts the vertex anywhere.
+constexpr double kReach = 8.0;
+
 // The end to evaluate next, if any (see Ends).
 bool EndStep(const State& s, Ends& ends, double* u) {
   double at;
   if (!ends.active || !ConvexVertex(s, &at)) return false;
-  if (!ends.loDone && s.a == ends.lo && at <= ends.lo && s.x < s.w && s.x < s.v) {
+  if (!ends.loDone && s.a == ends.lo && at <= ends.lo && at >= ends.lo - kReach * (s.x - ends.lo) &&
+      s.x < s.w && s.x < s.v) {
     ends.loDone = true;
     *u = ends.lo;
     return true;
   }
-  if (!ends.hiDone && s.b == ends.hi && at >= ends.hi && s.x > s.w && s.x > s.v) {
+  if (!ends.hiDone && s.b == ends.hi && at >= ends.hi && at <= ends.hi + kReach * (ends.hi - s.x) &&
+      s.x > s.w && s.x > s.v) {
     ends.hiDone = true;
     *u = ends.hi;
     return true;
