@@ -5,6 +5,7 @@
 
 #include <zr/zr.h>
 
+#include <cmath>
 #include <cstdio>
 #include <cstring>
 #include <vector>
@@ -148,9 +149,19 @@ TEST(Readme, Numeric) {
   zrPolynom<double> p(k, 1.0, zrPolynom<double>::PowerKoef);
   double y = p(3.0);                    // 17
   double slope = p.Derivative(3.0, 1);  // 14
+  // The minimum of cos on [0, 6], and a maximum found from a start point and a first step:
+  zrExtremumResult low =
+      zrFindExtremum([](double x) { return std::cos(x); }, 0.0, 6.0, zrExtremumKind::Minimum);
+  zrExtremumResult peak = zrFindExtremum([](double x) { return x * std::exp(-x); },
+                                         zrExtremumStart{0.0, 0.5}, zrExtremumKind::Maximum);
+  // low.x = pi and peak.x = 1, each within 2 * (absTol + relTol * |x|); both converged
   // [end]
   EXPECT_EQ(y, 17.0);
   EXPECT_EQ(slope, 14.0);
+  EXPECT_TRUE(low.converged);
+  EXPECT_NEAR(low.x, std::acos(-1.0), 1e-7);
+  EXPECT_TRUE(peak.converged);
+  EXPECT_NEAR(peak.x, 1.0, 1e-7);
 }
 
 TEST(Readme, Geometry) {
