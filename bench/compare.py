@@ -249,7 +249,9 @@ def extremum_table(runs):
         evals, met, members = int(run["evaluations"]), int(run["met"]), int(run["members"])
         if met == members:
             return "%d" % evals
-        return "%d (%d of %d met)" % (evals, met, members) if members > 1 else "%d (not met)" % evals
+        if members > 1:
+            return "%d (%d of %d met)" % (evals, met, members)
+        return "%d (not met)" % evals
 
     lines = ["| function, tolerance | zr | " + " | ".join(t for _, t in EXTREMUM_PEERS) +
              " | target | met |",

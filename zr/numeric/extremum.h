@@ -26,14 +26,17 @@
 ///   - a > b is the interval [b, a]: the search is the same, point for point;
 ///   - a == b: f is evaluated once at that point and the result is that point, converged
 ///     (an interval of one point has its extremum there);
-///   - Brent's steps never evaluate the ends of the interval, so on its own it only creeps
+///   - Brent's steps never evaluate the ends of the interval, so on their own they only creep
 ///     up to an extremum at an end, a golden step at a time. The search evaluates an end once
 ///     when the best point is the nearest to it and the convex parabola through the three
-///     best points has its vertex at or beyond it (within 8 times the distance from x to the end);
-///     if the end is the best point, one step of tol inside settles the search. And when the search
-///     stops within 2 * tol of an end not yet evaluated, that end is evaluated once and is the
-///     result if its value is at least as good. So an extremum at an end is found exactly, in a few
-///     calls where the evidence is clear;
+///     best points has its vertex at or beyond it (within 8 times the distance from x to that
+///     end); if the end is the best point, one step of tol inside settles the search. When the
+///     search stops within 2 * tol of an end not yet evaluated, that end is evaluated once and
+///     is the result if its value is at least as good. So an extremum at an end is found
+///     exactly, in a few calls where the evidence is clear;
+///   - the bracket must halve every three steps: when it has not, the next step is a golden
+///     one (parabolic steps alone close in on a minimum flatter than a parabola, x^4, more
+///     slowly than golden ones);
 ///   - relTol below DBL_EPSILON is raised to DBL_EPSILON (a smaller step would not move x);
 ///   - f may return infinities: they are compared like other values (a maximum of +inf is
 ///     found); a NaN stops the search with BadParameters naming the x, never a loop;
