@@ -28,7 +28,13 @@ PROGRAMS = [
     ("zr_ndarray_bench", "^nd_add_"),
     ("zr_array_bench", "^(push_back|concat)/"),
     ("zr_fct_bench", "^fct_"),
+    ("zr_extremum_bench", "^extremum/"),
 ]
+
+# The minimum search is compared by function evaluations, not time: "extremum/<impl>/<case>"
+# with the case in the label. The target: zr meets the tolerance on every member of a case
+# with no more evaluations than either peer.
+EXTREMUM_PEERS = [("gsl", "GSL Brent"), ("boost", "Boost brent_find_minima")]
 
 # Benchmarks are named "<case>/<implementation>/<size>". For each case: its label, the
 # unit it is shown in ("flops" reads the FLOP/s counter, anything else is nanoseconds per
@@ -238,6 +244,48 @@ def table(runs):
     return lines, met_count, missed_count, mismatches
 
 
+def extremum_table(runs):
+    """The evaluation counts of the minimum searches, one row per function and tolerance."""
+    cases = {}
+    for key, run in runs.items():
+        parts = key.split("/")
+        if len(parts) == 3 and parts[0] == "extremum":
+            cases.setdefault(int(parts[2]), {})[parts[1]] = run
+    if not cases:
+        return [], 0, 0
+
+    def cell(run):
+        if run is None:
+            return "-"
+        evals, met, members = int(run["evaluations"]), int(run["met"]), int(run["members"])
+        if met == members:
+            return "%d" % evals
+        if members > 1:
+            return "%d (%d of %d met)" % (evals, met, members)
+        return "%d (not met)" % evals
+
+    lines = ["| function, tolerance | zr | " + " | ".join(t for _, t in EXTREMUM_PEERS) +
+             " | target | met |",
+             "|---|---|" + "---|" * len(EXTREMUM_PEERS) + "---|---|"]
+    met_count = missed_count = 0
+    for k in sorted(cases):
+        row = cases[k]
+        zr = row.get("zr")
+        if zr is None:
+            continue
+        peers = [row.get(impl) for impl, _ in EXTREMUM_PEERS]
+        # A peer that misses the tolerance on a member has not done the work zr did.
+        ok = int(zr["met"]) == int(zr["members"]) and all(
+            p is None or int(p["met"]) < int(p["members"]) or
+            zr["evaluations"] <= p["evaluations"] for p in peers)
+        verdict = "met" if ok else "missed"
+        met_count += ok
+        missed_count += not ok
+        lines.append("| %s | %s | %s | all met, <= each peer that met all | %s |" % (
+            zr.get("label", str(k)), cell(zr), " | ".join(cell(p) for p in peers), verdict))
+    return lines, met_count, missed_count
+
+
 def machine(context):
     model = platform.processor() or "unknown CPU"
     try:
@@ -257,7 +305,7 @@ def machine(context):
         context.get("zr_compiler", "?"), context.get("zr_build_type", "?"),
         context.get("zr_cxx_flags", "?")))
     peers = [("Eigen", "peer_eigen"), ("", "peer_openblas"), ("GSL", "peer_gsl"),
-             ("", "peer_fftw")]
+             ("", "peer_fftw"), ("Boost", "peer_boost")]
     parts.append("peers: " + ", ".join(("%s %s" % (title, context[key])).strip()
                                        for title, key in peers if key in context))
     parts.append("run %s" % context.get("date", datetime.datetime.now().isoformat()))
@@ -279,6 +327,15 @@ def main():
     print("zr, peers: the fastest of the repetitions (CPU time; GFLOP/s from the classic "
           "counts, otherwise ns per item). Ratios > 1: zr is faster. Single-threaded "
           "peers. Targets met: %d, missed: %d." % (met, missed))
+    ext_lines, ext_met, ext_missed = extremum_table(runs)
+    if ext_lines:
+        print()
+        print("\n".join(ext_lines))
+        print()
+        print("Minimum search: function evaluations to meet the tolerance (the bracket within "
+              "2 tol of x on both sides, tol = relTol |x| + relTol / 4, and the true minimum "
+              "within 2 tol of x); a family row adds up its members. Targets met: %d, "
+              "missed: %d." % (ext_met, ext_missed))
     if mismatches:
         print()
         print("(!) Results that disagree (the \"check\" counter, a few weighted elements of the "

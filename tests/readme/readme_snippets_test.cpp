@@ -152,6 +152,12 @@ TEST(Readme, Numeric) {
   zrFCTT dct(3);       // a cosine transform plan for length 3, reused for every call
   zrVector<double> c;  // takes fresh storage of length 3
   dct.Forward(k, c);   // c = (6, sqrt(3), 0), the DCT-II of (3, 2, 1); dct.Inverse(c) undoes it
+  // The minimum of cos on [0, 6], and a maximum found from a start point and a first step:
+  zrExtremumResult low =
+      zrFindExtremum([](double x) { return std::cos(x); }, 0.0, 6.0, zrExtremumKind::Minimum);
+  zrExtremumResult peak = zrFindExtremum([](double x) { return x * std::exp(-x); },
+                                         zrExtremumStart{0.0, 0.5}, zrExtremumKind::Maximum);
+  // low.x = pi and peak.x = 1, each within 2 * (absTol + relTol * |x|); both converged
   // [end]
   EXPECT_EQ(y, 17.0);
   EXPECT_EQ(slope, 14.0);
@@ -160,6 +166,10 @@ TEST(Readme, Numeric) {
   EXPECT_NEAR(c[2], 0.0, 1e-14);
   dct.Inverse(c);
   EXPECT_NEAR(c[1], 2.0, 1e-14);
+  EXPECT_TRUE(low.converged);
+  EXPECT_NEAR(low.x, std::acos(-1.0), 1e-7);
+  EXPECT_TRUE(peak.converged);
+  EXPECT_NEAR(peak.x, 1.0, 1e-7);
 }
 
 TEST(Readme, Geometry) {

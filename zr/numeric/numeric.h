@@ -6,3 +6,4 @@
 #include "zr/numeric/fct.h"
 #include "zr/numeric/polynom.h"
 #include "zr/numeric/spline.h"
+#include "zr/numeric/extremum.h"
