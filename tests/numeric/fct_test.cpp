@@ -2,6 +2,7 @@
 
 #include <cmath>
 #include <cstdint>
+#include <limits>
 #include <random>
 #include <vector>
 
@@ -114,7 +115,16 @@ Errors Measure(int n, zrFCTScale scale, unsigned seed, const std::vector<int>& a
   return e;
 }
 
-constexpr double kBound = 1e-14;
+// The bound holds where long double has its 64-bit mantissa: the reference sums and the
+// transform's own twiddles are computed in it. Under an emulator that runs long double at
+// double precision (valgrind does), the large lengths pass 1e-14 by a small factor, so the
+// bound there is the one double precision can promise.
+bool LongDoubleIsExtended() {
+  volatile long double one = 1.0L;
+  volatile long double tiny = std::numeric_limits<long double>::epsilon();
+  return one + tiny != one;
+}
+const double kBound = LongDoubleIsExtended() ? 1e-14 : 1e-13;
 
 void ExpectAccurate(int n, zrFCTScale scale, const std::vector<int>& at = {}) {
   const Errors e = Measure(n, scale, 1000u + static_cast<unsigned>(n), at);
