@@ -82,4 +82,11 @@ inline double ProductFlops(int n) { return 2.0 * n * n * n; }
 inline double SolveFlops(int n) { return 2.0 / 3.0 * n * n * n + 2.0 * n * n; }
 inline double InverseFlops(int n) { return 2.0 * n * n * n; }
 
+// The lengths of the cosine transform rows, zr's and FFTW's alike: powers of two, 1000 and
+// a prime.
+inline void FctLengths(benchmark::internal::Benchmark* b) {
+  for (int n : {1024, 65536, 1048576, 1000, 999983}) b->Arg(n);
+  b->Unit(benchmark::kMicrosecond);
+}
+
 }  // namespace zr_bench

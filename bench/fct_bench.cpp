@@ -65,20 +65,6 @@ void Loop(benchmark::State& state) {
 
 }  // namespace
 
-BENCHMARK(Zr<true>)
-    ->Name("fct_forward/zr")
-    ->Arg(1024)
-    ->Arg(65536)
-    ->Arg(1048576)
-    ->Arg(1000)
-    ->Arg(999983)
-    ->Unit(benchmark::kMicrosecond);
-BENCHMARK(Zr<false>)
-    ->Name("fct_inverse/zr")
-    ->Arg(1024)
-    ->Arg(65536)
-    ->Arg(1048576)
-    ->Arg(1000)
-    ->Arg(999983)
-    ->Unit(benchmark::kMicrosecond);
+BENCHMARK(Zr<true>)->Name("fct_forward/zr")->Apply(zr_bench::FctLengths);
+BENCHMARK(Zr<false>)->Name("fct_inverse/zr")->Apply(zr_bench::FctLengths);
 BENCHMARK(Loop)->Name("fct_forward/loop")->Arg(1024)->Arg(1000)->Unit(benchmark::kMicrosecond);

@@ -36,19 +36,5 @@ void Fftw(benchmark::State& state) {
 }
 
 }  // namespace
-BENCHMARK(Fftw<true>)
-    ->Name("fct_forward/fftw")
-    ->Arg(1024)
-    ->Arg(65536)
-    ->Arg(1048576)
-    ->Arg(1000)
-    ->Arg(999983)
-    ->Unit(benchmark::kMicrosecond);
-BENCHMARK(Fftw<false>)
-    ->Name("fct_inverse/fftw")
-    ->Arg(1024)
-    ->Arg(65536)
-    ->Arg(1048576)
-    ->Arg(1000)
-    ->Arg(999983)
-    ->Unit(benchmark::kMicrosecond);
+BENCHMARK(Fftw<true>)->Name("fct_forward/fftw")->Apply(zr_bench::FctLengths);
+BENCHMARK(Fftw<false>)->Name("fct_inverse/fftw")->Apply(zr_bench::FctLengths);

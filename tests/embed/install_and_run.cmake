@@ -6,13 +6,7 @@
 #   SHARED      whether zr is a shared library
 cmake_minimum_required(VERSION 3.22)
 
-function(run)
-  execute_process(COMMAND ${ARGN} RESULT_VARIABLE rc OUTPUT_VARIABLE out ERROR_VARIABLE out)
-  if(NOT rc EQUAL 0)
-    string(REPLACE ";" " " cmd "${ARGN}")
-    message(FATAL_ERROR "failed (${rc}): ${cmd}\n${out}")
-  endif()
-endfunction()
+include(${CMAKE_CURRENT_LIST_DIR}/../support/run.cmake)
 
 run(${HOST_BUILD}/host)
 file(REMOVE_RECURSE ${PREFIX})

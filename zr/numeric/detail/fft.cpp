@@ -228,44 +228,41 @@ void Radix2(const Cx* x, Cx* y, std::ptrdiff_t m, std::ptrdiff_t s, const Cx* tw
   }
 }
 
-void Radix4(const Cx* x, Cx* y, std::ptrdiff_t m, std::ptrdiff_t s, const Cx* tw) {
-  const std::ptrdiff_t sm = s * m;
-  for (std::ptrdiff_t q = 0; q < m; ++q) {
-    const Cx w1 = tw[3 * q];
-    const Cx w2 = tw[3 * q + 1];
-    const Cx w3 = tw[3 * q + 2];
-    const Cx* xq = x + s * q;
-    Cx* yq = y + s * 4 * q;
-    if (q == 0) {
-      for (std::ptrdiff_t k = 0; k < s; ++k) {
-        const Cx a0 = xq[k];
-        const Cx a1 = xq[k + sm];
-        const Cx a2 = xq[k + 2 * sm];
-        const Cx a3 = xq[k + 3 * sm];
-        const Cx t0 = Add(a0, a2);
-        const Cx t1 = Sub(a0, a2);
-        const Cx t2 = Add(a1, a3);
-        const Cx t3 = MulMinusI(Sub(a1, a3));
-        yq[k] = Add(t0, t2);
-        yq[k + s] = Add(t1, t3);
-        yq[k + 2 * s] = Sub(t0, t2);
-        yq[k + 3 * s] = Sub(t1, t3);
-      }
-      continue;
-    }
-    for (std::ptrdiff_t k = 0; k < s; ++k) {
-      const Cx a0 = xq[k];
-      const Cx a1 = xq[k + sm];
-      const Cx a2 = xq[k + 2 * sm];
-      const Cx a3 = xq[k + 3 * sm];
-      const Cx t0 = Add(a0, a2);
-      const Cx t1 = Sub(a0, a2);
-      const Cx t2 = Add(a1, a3);
-      const Cx t3 = MulMinusI(Sub(a1, a3));
-      yq[k] = Add(t0, t2);
+// The radix-4 butterflies of one piece; the first piece's twiddles are all 1 and are not
+// multiplied in.
+template <bool kTwiddled>
+void Radix4Piece(const Cx* xq, Cx* yq, std::ptrdiff_t s, std::ptrdiff_t sm, Cx w1, Cx w2, Cx w3) {
+  for (std::ptrdiff_t k = 0; k < s; ++k) {
+    const Cx a0 = xq[k];
+    const Cx a1 = xq[k + sm];
+    const Cx a2 = xq[k + 2 * sm];
+    const Cx a3 = xq[k + 3 * sm];
+    const Cx t0 = Add(a0, a2);
+    const Cx t1 = Sub(a0, a2);
+    const Cx t2 = Add(a1, a3);
+    const Cx t3 = MulMinusI(Sub(a1, a3));
+    yq[k] = Add(t0, t2);
+    if constexpr (kTwiddled) {
       yq[k + s] = Mul(Add(t1, t3), w1);
       yq[k + 2 * s] = Mul(Sub(t0, t2), w2);
       yq[k + 3 * s] = Mul(Sub(t1, t3), w3);
+    } else {
+      yq[k + s] = Add(t1, t3);
+      yq[k + 2 * s] = Sub(t0, t2);
+      yq[k + 3 * s] = Sub(t1, t3);
+    }
+  }
+}
+
+void Radix4(const Cx* x, Cx* y, std::ptrdiff_t m, std::ptrdiff_t s, const Cx* tw) {
+  const std::ptrdiff_t sm = s * m;
+  for (std::ptrdiff_t q = 0; q < m; ++q) {
+    const Cx* xq = x + s * q;
+    Cx* yq = y + s * 4 * q;
+    if (q == 0) {
+      Radix4Piece<false>(xq, yq, s, sm, tw[0], tw[1], tw[2]);
+    } else {
+      Radix4Piece<true>(xq, yq, s, sm, tw[3 * q], tw[3 * q + 1], tw[3 * q + 2]);
     }
   }
 }
