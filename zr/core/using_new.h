@@ -15,16 +15,19 @@
 
 /// Declares the type identity of a class derived from zrUsingNew: a private static
 /// function Type, whose address is the class's identity and whose result is its name,
-/// and the overrides of GetType and GetTypeString. Pair it with ZR_DEFINE_TYPE_IDENTITY in
-/// the class's source file. The definitions must stay out of line: the address of an
-/// inline function may differ between the library and a program that uses it.
-#define ZR_TYPE_IDENTITY                  \
- private:                                 \
-  static const char* Type();              \
-                                          \
- public:                                  \
-  std::uint64_t GetType() const override; \
-  const char* GetTypeString() const override;
+/// and the public overrides of GetType and GetTypeString. Pair it with
+/// ZR_DEFINE_TYPE_IDENTITY in the class's source file. The definitions must stay out of
+/// line: the address of an inline function may differ between the library and a program
+/// that uses it.
+/// Write it first in a class body: it ends private, the access a class body starts with,
+/// so that it leaves access as it found it; a struct writes `public:` after it.
+#define ZR_TYPE_IDENTITY                      \
+ public:                                      \
+  std::uint64_t GetType() const override;     \
+  const char* GetTypeString() const override; \
+                                              \
+ private:                                     \
+  static const char* Type();
 
 /// Defines what ZR_TYPE_IDENTITY declares. `prefix` is empty for a class and
 /// `template <class T>` (or the instantiation's `template <>`) for a class template.

@@ -107,6 +107,7 @@ template <class T>
 class ZR_API zrArrayND : public zrArrayNDAbs {
   ZR_TYPE_IDENTITY
 
+ public:
   // The iterators: counters (the Index base, from dimension 1 up), the current element,
   // the elements left on its line, the sizes, the carry increments, the step along a line
   // and the contiguity flag. Each step adds the step and counts down the line; at a
