@@ -11,7 +11,7 @@
 #include <vector>
 
 #include "support/test_support.h"
-#include "zr/core/fault_injection.h"
+#include "zr/core/detail/fault_injection.h"
 #include "zr/zr.h"
 
 namespace {

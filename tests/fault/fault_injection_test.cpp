@@ -11,7 +11,7 @@
 #include <string>
 #include <vector>
 
-#include "zr/core/fault_injection.h"
+#include "zr/core/detail/fault_injection.h"
 #include "zr/zr.h"
 
 namespace {

@@ -8,7 +8,7 @@
 #include <sys/mman.h>
 #endif
 
-#include "zr/core/fault_injection.h"
+#include "zr/core/detail/fault_injection.h"
 
 namespace {
 
