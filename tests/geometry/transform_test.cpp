@@ -2,219 +2,181 @@
 
 #include <cmath>
 #include <cstring>
-#include <initializer_list>
 #include <string>
 
+#include "support/points.h"
 #include "support/test_support.h"
 #include "zr/geometry/geometry.h"
 
 namespace {
 
+using zr_test::ExpectNear;
+using zr_test::Of;
+using Points = zrSimpleArray<zrVec2>;
+using V3 = zrTVec3<double>;
 const double kPi = std::acos(-1.0);
 const std::string kPrefix = "Invalid parameters : ";
-using V3 = zrTVec3<double>;
 
-void ExpectNear(const zrVec2& a, const zrVec2& b, double eps = 1e-14) {
-  EXPECT_NEAR(a.X(), b.X(), eps);
-  EXPECT_NEAR(a.Y(), b.Y(), eps);
-}
-void ExpectNear(const V3& a, const V3& b, double eps = 1e-14) {
-  for (int i = 0; i < 3; ++i) EXPECT_NEAR(a[i], b[i], eps) << "component " << i;
+// What differs between the transforms of the plane and of space. Vec drops z in the plane.
+struct Plane {
+  using T = zrTransformCoord2D;
+  using M = zrMatrix2x2;
+  static zrVec2 Vec(double x, double y, double) { return zrVec2(x, y); }
+  static void QuarterTurn(T& t) { t.AddTurn(kPi / 2); }
+  static constexpr double kSwapXY[] = {0, 1, 1, 0};
+  // Shift (1, 1), scale (2, 3), kSwapXY: the matrix by rows, then the shift.
+  static constexpr double kFlat[] = {0, 3, 2, 0, 3, 2};
+  static constexpr const char* kSingular = "zrMatrix2x2::Inverse : det = 0 ";
+};
+struct Space {
+  using T = zrTransformCoord3D;
+  using M = zrTMatrix3x3<double>;
+  static V3 Vec(double x, double y, double z) { return V3(x, y, z); }
+  static void QuarterTurn(T& t) { t.AddTurn(kPi / 2, V3(0, 0, 5)); }  // about z
+  static constexpr double kSwapXY[] = {0, 1, 0, 1, 0, 0, 0, 0, 1};
+  static constexpr double kFlat[] = {0, 3, 0, 2, 0, 0, 0, 0, 4, 3, 2, 4};
+  static constexpr const char* kSingular = ZR_TEXT_SYSTEM_NOT_UNIQUE;
+};
+
+template <class P>
+class Transform : public ::testing::Test {};
+using Dimensions = ::testing::Types<Plane, Space>;
+TYPED_TEST_SUITE(Transform, Dimensions);
+
+TYPED_TEST(Transform, StepsComposeAfterThePresentTransformAndFlatForm) {
+  using P = TypeParam;
+  typename P::T s, back;
+  s.AddShift(P::Vec(1, 1, 1));
+  s.AddScale(P::Vec(2, 3, 4));  // scales the shift too
+  EXPECT_EQ(s.Transform(P::Vec(1, 1, 1)), P::Vec(4, 6, 8));
+  typename P::M swap;
+  std::memcpy(swap.GetPointer(), P::kSwapXY, sizeof P::kSwapXY);
+  s.AddMatrix(swap);  // from the left, shift included
+  EXPECT_EQ(s.TransformVec(P::Vec(1, 0, 0)), P::Vec(0, 2, 0));
+
+  // The matrix by rows, then the shift, raw.
+  unsigned char buf[sizeof P::kFlat + 1];
+  const int size = sizeof P::kFlat;
+  EXPECT_TRUE(zrMemSize(s) == size && zrToMem(buf + 1, s) == size &&
+              zrFromMem(buf + 1, back) == size);
+  EXPECT_EQ(std::memcmp(buf + 1, P::kFlat, size), 0);
+  EXPECT_EQ(back.Transform(P::Vec(1, -1, 2)), s.Transform(P::Vec(1, -1, 2)));
 }
 
-zrSimpleArray<zrVec2> Points(std::initializer_list<zrVec2> list) {
-  zrSimpleArray<zrVec2> a(static_cast<int>(list.size()));
-  int i = 0;
-  for (const zrVec2& p : list) a[i++] = p;
-  return a;
+// Scale (2, 3, 4), then a quarter turn about z: e1 goes to (0, 2, 0), e2 to (-3, 0, 0), e3
+// to (0, 0, 4); the inverse sends them to (0, -1/3, 0), (1/2, 0, 0), (0, 0, 1/4). The scales
+// weigh the lengths of these images.
+TYPED_TEST(Transform, TurnScalesInverseAndProduct) {
+  using P = TypeParam;
+  typename P::T t, c, a, b, flat;
+  t.AddScale(P::Vec(2, 3, 4));
+  P::QuarterTurn(t);
+  t.AddShift(P::Vec(-4, 9, 1));
+  ExpectNear(t.Transform(P::Vec(1, 0, 0)), P::Vec(-4, 11, 1));  // counter-clockwise
+  ExpectNear(t.GetOldScale(P::Vec(10, 1, 100)), P::Vec(2, 30, 400), 1e-13);
+  ExpectNear(t.GetNewScale(P::Vec(1, 7, 1)), P::Vec(7.0 / 3, 0.5, 0.25));
+  ExpectNear((t * t.Inverse()).Transform(P::Vec(5, -7, 2)), P::Vec(5, -7, 2), 1e-12);
+  ExpectNear(t.Inverse().Transform(P::Vec(-4, 9, 1)), P::Vec(0, 0, 0));
+  a.AddScale(P::Vec(2, 2, 2));
+  b.AddShift(P::Vec(1, 0, 0));
+  EXPECT_EQ((a * b).Transform(P::Vec(0, 0, 0)), P::Vec(2, 0, 0));  // b first
+  flat.AddScale(P::Vec(1, 0, 1));
+  EXPECT_EQ(zr_test::BadParametersText([&] { flat.Inverse(); }), kPrefix + P::kSingular);
+
+  // About a centre, the centre stays put.
+  c.AddShift(P::Vec(0.5, 0, 0));
+  c.AddScale(P::Vec(2, 3, 4), P::Vec(1, 1, 1));
+  EXPECT_EQ(c.Transform(P::Vec(0.5, 1, 1)), P::Vec(1, 1, 1));
+  EXPECT_EQ(c.Transform(P::Vec(1.5, 2, 1)), P::Vec(3, 4, 1));
 }
 
-// The doubles at p (raw, possibly unaligned bytes) have exactly the bits of want.
-void ExpectDoubles(const void* p, std::initializer_list<double> want) {
-  const unsigned char* bytes = static_cast<const unsigned char*>(p);
-  int i = 0;
-  for (double w : want) {
-    double got;
-    std::memcpy(&got, bytes + 8 * i, sizeof got);
-    EXPECT_EQ(zr_test::Bits(got), zr_test::Bits(w)) << "double " << i;
-    ++i;
-  }
+TEST(TransformCoord3D, TurnsAndTheScaleOfATurnedTransform) {
+  // Shift (1, 2, 3), a quarter turn about x, then the scale (2, 3, 4): the turn sends e2
+  // to e3 and e3 to -e2, so M = diag(2, 3, 4) Rx takes e1 to (2, 0, 0), e2 to (0, 0, 4),
+  // e3 to (0, -3, 0), and the shift to diag(2, 3, 4) (1, -3, 2) = (2, -9, 8).
+  zrTransformCoord3D t, onto, e;
+  t.AddShift(V3(1, 2, 3));
+  t.AddTurn(kPi / 2, V3(3, 0, 0));
+  t.AddScale(V3(2, 3, 4));
+  ExpectNear(t.Transform(V3(0, 1, 0)), V3(2, -9, 12));
+  ExpectNear(t.GetOldScale(V3(1, 10, 100)), V3(2, 400, 30), 1e-13);
+  // M^-1 = Rx^-1 diag(1/2, 1/3, 1/4): e1 to (1/2, 0, 0), e2 to (0, 0, -1/3), e3 to (0, 1/4, 0).
+  ExpectNear(t.GetNewScale(V3(1, 10, 100)), V3(0.5, 100.0 / 3, 2.5), 1e-13);
+
+  onto.AddTurn(V3(1, 1, 0), V3(0, 0, -2));
+  ExpectNear(onto.Transform(V3(3, 3, 0)), V3(0, 0, -std::sqrt(18.0)));
+  const V3 centre(1, 2, 3);
+  e.AddTurn(0, 0, kPi / 2, centre);  // about x by 0, y by 0, z by a quarter turn
+  ExpectNear(e.Transform(centre), centre);
+  ExpectNear(e.Transform(centre + V3(1, 0, 0)), centre + V3(0, 1, 0));
 }
 
-double Residual(const zrTransformCoord2D& t, const zrSimpleArray<zrVec2>& from,
-                const zrSimpleArray<zrVec2>& to) {
+double Residual(const zrTransformCoord2D& t, const Points& from, const Points& to) {
   double sum = 0;
   for (int i = 0; i < from.Len(); ++i) sum += (t.Transform(from[i]) - to[i]).ScalarMul();
   return sum;
 }
 
-TEST(TransformCoord2D, StepsComposeAfterThePresentTransform) {
-  zrTransformCoord2D t, s, c;
-  t.AddShift(zrVec2(1, 2));
-  t.AddTurn(kPi / 2);  // turns the already shifted point
-  ExpectNear(t.Transform(zrVec2(0, 0)), zrVec2(-2, 1));
-  ExpectNear(t.TransformVec(zrVec2(1, 0)), zrVec2(0, 1));  // no shift
-
-  s.AddShift(zrVec2(1, 1));
-  s.AddScale(zrVec2(2, 3));
-  EXPECT_EQ(s.Transform(zrVec2(1, 1)), zrVec2(4, 6));
-  // AddMatrix multiplies from the left, shift included.
-  s.AddMatrix(zrMatrix2x2(0, 1, 1, 0));
-  EXPECT_EQ(s.GetShift(), zrVec2(3, 2));
-  ExpectDoubles(s.GetMatrix().GetPointer(), {0, 3, 2, 0});
-
-  // About a centre, the centre stays put.
+TEST(TransformCoord2D, TurnAboutACentreRectAndFit) {
+  zrTransformCoord2D c, r;
   c.AddShift(zrVec2(0.5, 0));
   c.AddTurn(kPi / 2, zrVec2(1, 1));
   ExpectNear(c.Transform(zrVec2(0.5, 1)), zrVec2(1, 1));
   ExpectNear(c.Transform(zrVec2(1.5, 1)), zrVec2(1, 2));
-  c.AddScale(zrVec2(2, 3), zrVec2(1, 1));
-  ExpectNear(c.Transform(zrVec2(0.5, 1)), zrVec2(1, 1));
-  ExpectNear(c.Transform(zrVec2(1.5, 1)), zrVec2(1, 4));
-}
 
-TEST(TransformCoord2D, InverseProductAndScales) {
-  zrTransformCoord2D t, a, b, flat, w;
-  t.AddScale(zrVec2(2, -0.5));
-  t.AddTurn(0.7, zrVec2(3, -1));
-  t.AddShift(zrVec2(-4, 9));
-  ExpectNear((t * t.Inverse()).Transform(zrVec2(5, -7)), zrVec2(5, -7), 1e-12);
-
-  // other first, then this.
-  a.AddScale(zrVec2(2, 2));
-  b.AddShift(zrVec2(1, 0));
-  EXPECT_EQ((a * b).Transform(zrVec2(0, 0)), zrVec2(2, 0));
-
-  flat.AddScale(zrVec2(0, 1));
-  EXPECT_EQ(zr_test::BadParametersText([&] { flat.Inverse(); }),
-            kPrefix + "zrMatrix2x2::Inverse : det = 0 ");
-
-  // The scales weigh the images of the unit vectors.
-  w.AddScale(zrVec2(2, 3));
-  w.AddTurn(kPi / 2);  // e1 -> (0, 2), e2 -> (-3, 0)
-  ExpectNear(w.GetOldScale(zrVec2(10, 1)), zrVec2(2, 30));
-  ExpectNear(w.GetNewScale(zrVec2(1, 1)), zrVec2(1.0 / 3, 0.5));
-}
-
-TEST(TransformCoord2D, TransformRectAndFlatForm) {
-  // The bounds of the four transformed corners.
+  // The bounds of the four transformed corners: an eighth turn puts each bound on its own.
   const zrRect<zrVec2> unit(zrVec2(0, 0), zrVec2(1, 1));
-  zrTransformCoord2D t, mirror, m, back;
-  t.AddTurn(kPi / 4);
-  ExpectNear(t.TransformRect(unit).Min(), zrVec2(-std::sqrt(0.5), 0), 1e-15);
-  mirror.AddScale(zrVec2(-1, 2));
-  mirror.AddShift(zrVec2(0, 1));
-  EXPECT_TRUE(mirror.TransformRect(unit) == zrRect<zrVec2>(zrVec2(-1, 1), zrVec2(0, 3)));
+  r.AddTurn(kPi / 4);
+  ExpectNear(r.TransformRect(unit).Min(), zrVec2(-std::sqrt(0.5), 0), 1e-15);
+  ExpectNear(r.TransformRect(unit).Max(), zrVec2(std::sqrt(0.5), std::sqrt(2.0)), 1e-15);
 
-  // The matrix by rows, then the shift.
-  unsigned char buf[48];
-  m.AddMatrix(zrMatrix2x2(1, 2, 3, 4));
-  m.AddShift(zrVec2(7, -8));
-  EXPECT_EQ(zrToMem(buf, m), 48);
-  ExpectDoubles(buf, {1, 2, 3, 4, 7, -8});
-  EXPECT_EQ(zrFromMem(buf, back), 48);
-  EXPECT_EQ(back.Transform(zrVec2(1, -1)), zrVec2(6, -9));
-}
-
-TEST(TransformCoord2D, FitRotateShift) {
-  // A turn in every quadrant is recovered; each fit replaces the one before.
-  const zrSimpleArray<zrVec2> from = Points({{1, 2}, {4, -1}, {-2, 5}, {0.5, 0.25}});
-  zrTransformCoord2D t;
-  for (double degrees : {30.0, 150.0, 180.0, 210.0, 300.0}) {
-    SCOPED_TRACE(degrees);
+  // Noisy points turned into every quadrant: the fit comes no further from them than the
+  // truth does (0.0148), and any small turn or shift of it moves further away. Each fit
+  // replaces the one before.
+  const Points from = Of<Points>({{0, 0}, {4, 0}, {4, 3}, {0, 3}, {2, 1}});
+  const Points noise = Of<Points>({{0.1, 0}, {0, 0.02}, {-0.05, 0}, {0.03, -0.03}, {0, -0.01}});
+  Points to(from.Len());
+  zrTransformCoord2D fit;
+  for (double degrees : {30.0, 90.0, 150.0, 180.0, 210.0, 300.0}) {
     zrTransformCoord2D truth;
     truth.AddTurn(degrees * kPi / 180);
     truth.AddShift(zrVec2(-3, 7));
-    zrSimpleArray<zrVec2> to(from.Len());
-    for (int i = 0; i < from.Len(); ++i) to[i] = truth.Transform(from[i]);
-    t.MakeRotateShiftFromEquations(from, to);
-    for (int i = 0; i < from.Len(); ++i) ExpectNear(t.Transform(from[i]), to[i], 1e-13);
-  }
-
-  // Noisy points: a rotation whose residual grows under any small turn or shift.
-  const zrSimpleArray<zrVec2> src = Points({{0, 0}, {4, 0}, {4, 3}, {0, 3}, {2, 1}});
-  const zrSimpleArray<zrVec2> dst =
-      Points({{10.1, 5}, {10, 9.02}, {6.95, 9}, {7.03, 4.97}, {9, 6.99}});  // about +90 deg
-  zrTransformCoord2D fit;
-  fit.MakeRotateShiftFromEquations(src, dst);
-  EXPECT_NEAR(fit.GetMatrix().Det(), 1, 1e-14);
-  const double best = Residual(fit, src, dst);
-  for (double d : {-1e-3, 1e-3}) {
-    zrTransformCoord2D turned = fit, moved = fit;
-    turned.AddTurn(d, dst[4]);
-    moved.AddShift(zrVec2(d, -d));
-    EXPECT_GT(Residual(turned, src, dst), best);
-    EXPECT_GT(Residual(moved, src, dst), best);
+    for (int i = 0; i < from.Len(); ++i) to[i] = truth.Transform(from[i]) + noise[i];
+    fit.MakeRotateShiftFromEquations(from, to);
+    const double best = Residual(fit, from, to);
+    EXPECT_LT(best, 0.0148 + 1e-12) << degrees;
+    for (double d : {-1e-3, 1e-3}) {
+      zrTransformCoord2D turned = fit, moved = fit;
+      turned.AddTurn(d, to[4]);
+      moved.AddShift(zrVec2(d, -d));
+      EXPECT_TRUE(Residual(turned, from, to) > best && Residual(moved, from, to) > best)
+          << degrees << " " << d;
+    }
   }
 
   // Different lengths are refused, leaving the transform alone.
-  EXPECT_EQ(zr_test::BadParametersText([&] { fit.MakeRotateShiftFromEquations(from, src); }),
+  const zrVec2 before = fit.Transform(zrVec2(1, 0));
+  EXPECT_EQ(zr_test::BadParametersText([&] { fit.MakeRotateShiftFromEquations(from, to.Left(4)); }),
             kPrefix + "zrTransformCoord2D::MakeFromEquations: different number");
-  EXPECT_EQ(Residual(fit, src, dst), best);
-}
-
-TEST(TransformCoord3D, StepsInverseAndFlatForm) {
-  const V3 centre(1, 2, 3);
-  zrTransformCoord3D z, onto, t, a, b, flat, back;
-  z.AddShift(V3(1, 0, 0));
-  z.AddTurn(kPi / 2, V3(0, 0, 5));  // about the z axis, after the shift
-  ExpectNear(z.Transform(V3(0, 0, 0)), V3(0, 1, 0));
-  onto.AddTurn(V3(1, 1, 0), V3(0, 0, -2));
-  ExpectNear(onto.Transform(V3(3, 3, 0)), V3(0, 0, -std::sqrt(18.0)));
-
-  t.AddScale(V3(2, 1, 0.5), centre);
-  EXPECT_EQ(t.Transform(V3(2, 3, 4)), V3(3, 3, 3.5));
-  t.AddTurn(0.3, -1.1, 2.0, centre);
-  ExpectNear(t.Transform(centre), centre);
-  t.AddShift(V3(5, 6, -7));
-  ExpectNear((t * t.Inverse()).Transform(V3(1, -3, 8)), V3(1, -3, 8), 1e-12);
-  a.AddScale(V3(2, 2, 2));
-  b.AddShift(V3(1, 0, 0));
-  EXPECT_EQ((a * b).Transform(V3(0, 0, 0)), V3(2, 0, 0));  // b first
-
-  flat.AddScale(V3(1, 0, 1));
-  const std::string want = zr_test::BadParametersText([&] { flat.GetMatrix().Inverse(); });
-  EXPECT_FALSE(want.empty());
-  EXPECT_EQ(zr_test::BadParametersText([&] { flat.Inverse(); }), want);
-
-  // The matrix by rows, then the shift.
-  unsigned char buf[96];
-  EXPECT_EQ(zrToMem(buf, t), 96);
-  const double* m = t.GetMatrix().GetPointer();
-  const V3& s = t.GetShift();
-  ExpectDoubles(buf, {m[0], m[1], m[2], m[3], m[4], m[5], m[6], m[7], m[8], s.X(), s.Y(), s.Z()});
-  EXPECT_EQ(zrFromMem(buf, back), 96);
-  EXPECT_EQ(back.Transform(V3(1, -3, 8)), t.Transform(V3(1, -3, 8)));
-}
-
-zrColumnVector<double> Column(double x, double y) {
-  zrColumnVector<double> v(2);
-  v[0] = x;
-  v[1] = y;
-  return v;
-}
-
-void ExpectColumn(const zrColumnVector<double>& got, double x, double y) {
-  ASSERT_EQ(got.Len(), 2);
-  EXPECT_EQ(got[0], x);
-  EXPECT_EQ(got[1], y);
+  EXPECT_EQ(fit.Transform(zrVec2(1, 0)), before);
 }
 
 TEST(TransformCoord, ReadsPointsInTheFrameOfARuler) {
-  zrColumnVector<double> origin = Column(1, 1), axis = Column(0, 2);
+  using Col = zrColumnVector<double>;
+  Col origin = Of<Col>({1, 1}), axis = Of<Col>({0, 2});
   const zrTransformCoord along_x(origin, axis, 0), along_y(origin, axis, 1);
   origin[0] = 100;  // read once: the frames keep what they were given
   axis[1] = 100;
-  ExpectColumn(along_x.GetCoord(Column(1, 3)), 1, 0);
-  ExpectColumn(along_x.GetCoord(Column(0, 1)), 0, 0.5);  // left of the axis: +y of the frame
-  ExpectColumn(along_y.GetCoord(Column(3, 1)), 1, 0);    // right of the axis: +x of the frame
-  ExpectColumn(along_x.GetScale(Column(0, 4)), 2, 0);    // a step, no origin
+  const auto xy = [](const Col& v) { return v.Len() == 2 ? zrVec2(v[0], v[1]) : zrVec2(9, 9); };
+  EXPECT_EQ(xy(along_x.GetCoord(Of<Col>({1, 3}))), zrVec2(1, 0));
+  EXPECT_EQ(xy(along_x.GetCoord(Of<Col>({0, 1}))), zrVec2(0, 0.5));  // left of the axis: +y
+  EXPECT_EQ(xy(along_y.GetCoord(Of<Col>({3, 1}))), zrVec2(1, 0));    // right of the axis: +x
+  EXPECT_EQ(xy(along_x.GetScale(Of<Col>({0, 4}))), zrVec2(2, 0));    // a step, no origin
 
   // Every vector must have two elements.
   const std::string want = kPrefix + "zrTransformCoord : must be dimention equal two.";
-  const zrColumnVector<double> two = Column(0, 1), three(3);
-  EXPECT_EQ(zr_test::BadParametersText([&] { zrTransformCoord(three, two, 0); }), want);
-  EXPECT_EQ(zr_test::BadParametersText([&] { along_x.GetCoord(three); }), want);
+  EXPECT_EQ(zr_test::BadParametersText([&] { zrTransformCoord(origin, Col(3), 0); }), want);
+  EXPECT_EQ(zr_test::BadParametersText([&] { along_x.GetCoord(Col(3)); }), want);
 }
 
 }  // namespace

@@ -3,6 +3,8 @@
 // asan preset catches what the log cannot (a member freed while linked, a leak).
 #include <gtest/gtest.h>
 
+#include <map>
+#include <sstream>
 #include <string>
 #include <vector>
 
@@ -28,17 +30,22 @@ class Branch : public zrSimpleGraphBranchHead {
   ~Branch() override { log += std::string{'~', Of(GetNode1()), Of(GetNode2())}; }
 };
 
-Node* AddNode(zrSimpleGraph& g, char name) {
-  auto* n = new Node(name);
-  g.Add(n);
-  return n;
-}
-
-Branch* AddBranch(zrSimpleGraph& g, Node* n1, Node* n2, int orient = 0) {
-  auto* b = new Branch(n1, n2, orient);
-  g.Add(b);
-  return b;
-}
+// A graph from a spec such as "ab a>c": nodes in the order their names first appear, each
+// followed by its branches; "ab" is a plain branch a-b, "a>c" one oriented from a to c.
+struct Graph {
+  explicit Graph(const std::string& spec) {
+    std::istringstream in(spec);
+    for (std::string t; in >> t;) {
+      for (char c : t)
+        if (c != '>' && !node.count(c)) g.Add(node[c] = new Node(c));
+      if (t.size() > 1)
+        g.Add(branch[t] = new Branch(node[t.front()], node[t.back()], t.size() == 3));
+    }
+  }
+  zrSimpleGraph g;
+  std::map<char, Node*> node;
+  std::map<std::string, Branch*> branch;
+};
 
 // The names of the nodes GetMaxPath lists, first to last; the count it returns must match.
 std::string MaxPath(zrSimpleGraph& g, zrSimpleGraphNodeHead* start = nullptr) {
@@ -54,72 +61,49 @@ std::string MaxPath(zrSimpleGraph& g, zrSimpleGraphNodeHead* start = nullptr) {
 
 }  // namespace
 
-TEST(SimpleGraph, DoubleSweepOnAPath) {
-  zrSimpleGraph g;
-  Node* a = AddNode(g, 'a');
-  Node* b = AddNode(g, 'b');
-  AddBranch(g, a, b);
-  AddBranch(g, b, AddNode(g, 'c'));
-  EXPECT_EQ(MaxPath(g), "cba");  // from a the far end is c; from c it is a
+TEST(SimpleGraph, LongestShortestPath) {
+  EXPECT_EQ(zrSimpleGraph().GetMaxPath(nullptr), 0);
+  const struct {
+    const char *spec, start, *path;
+  } cases[] = {
+      {"ab bc", 0,
+       "cba"},  // from a the far end is c; from c it is a
+                // The walk from a reaches d, c, b in that order; the ring has b first. From a, b
+                // wins; from b, c and d tie: c wins. A lone start is a path of its own.
+      {"a b c d ad ac ab", 0, "bac"},
+      {"a b c d ad ac ab e", 'e', "e"},
+      // No step against an oriented branch; nor is the path read on through the last
+      // walk's backs.
+      {"a>b cb", 'a', "abc"},
+      {"a>b cb", 'b', "bc"},
+      {"aa ab", 'a', "ab"}};  // a loop
+  for (const auto& c : cases) {
+    Graph graph(c.spec);
+    EXPECT_EQ(MaxPath(graph.g, c.start ? graph.node[c.start] : nullptr), c.path) << c.spec;
+  }
+  Graph star("a b c d ad ac ab");
+  EXPECT_EQ(star.g.GetMaxPath(star.node['d'], nullptr), 3);  // out is optional
 }
 
-TEST(SimpleGraph, TiesGoToTheFirstInTheRingAndALoneStartIsAPath) {
-  zrSimpleGraph g;
-  EXPECT_EQ(g.GetMaxPath(nullptr), 0);
-  Node* a = AddNode(g, 'a');
-  Node* b = AddNode(g, 'b');
-  Node* c = AddNode(g, 'c');
-  Node* d = AddNode(g, 'd');
-  // The walk from a reaches d, c, b in that order; the ring has b first.
-  AddBranch(g, a, d);
-  AddBranch(g, a, c);
-  AddBranch(g, a, b);
-  EXPECT_EQ(MaxPath(g), "bac");  // from a, b wins; from b, c and d tie: c wins
-  EXPECT_EQ(MaxPath(g, AddNode(g, 'e')), "e");
-  EXPECT_EQ(g.GetMaxPath(d, nullptr), 3);  // out is optional
-}
-
-TEST(SimpleGraph, WaveDoesNotStepAgainstAnOrientedBranch) {
-  zrSimpleGraph g;
-  Node* a = AddNode(g, 'a');
-  Node* b = AddNode(g, 'b');
-  AddBranch(g, a, b, 1);
-  AddBranch(g, AddNode(g, 'c'), b);
-  EXPECT_EQ(MaxPath(g, a), "abc");
-  // No step back to a; nor is the path read on into a through the last walk's backs.
-  EXPECT_EQ(MaxPath(g, b), "bc");
-}
-
-TEST(SimpleGraph, LoopIsListedTwiceAndRemovingANodeTakesItsBranches) {
+TEST(SimpleGraph, ALoopIsListedTwiceAndRemovedMembersDieWithTheirLastHolder) {
   log.clear();
-  zrSimpleGraph g;
-  Node* a = AddNode(g, 'a');
-  Node* b = AddNode(g, 'b');
-  Branch* loop = AddBranch(g, a, a);
-  AddBranch(g, a, b);
-  EXPECT_EQ(a->GetBranchList()->Len(), 4);  // the head, the loop twice, a-b
-  EXPECT_EQ(loop->GetAnotherNode(a), a);
-  EXPECT_EQ(MaxPath(g, a), "ab");
-
-  g.Remove(b);
-  g.Remove(a);  // the only node: its branches and both rings are empty after it
-  EXPECT_EQ(log, "~ab~b~aa~a");
-  EXPECT_EQ(g.GetNodeList(), nullptr);
-  EXPECT_EQ(g.GetBranchList(), nullptr);
-}
-
-TEST(SimpleGraph, RemovedMembersDieWithTheirLastHolder) {
+  {
+    Graph loop("aa ab");
+    Node* a = loop.node['a'];
+    EXPECT_EQ(a->GetBranchList()->Len(), 4);  // the head, the loop twice, a-b
+    EXPECT_EQ(loop.branch["aa"]->GetAnotherNode(a), a);
+    loop.g.Remove(loop.node['b']);
+    loop.g.Remove(a);  // the only node: its branches and both rings are empty after it
+    EXPECT_EQ(log, "~ab~b~aa~a");
+    EXPECT_TRUE(loop.g.GetNodeList() == nullptr && loop.g.GetBranchList() == nullptr);
+  }
   log.clear();
-  zrSimpleGraph g;
-  Node* a = AddNode(g, 'a');
-  Node* b = AddNode(g, 'b');
-  Node* c = AddNode(g, 'c');
-  zrAutoDelPointer<zrSimpleGraphBranchHead> keep(AddBranch(g, b, c));
-  g.Remove(keep.GetPointer());  // held: out of the graph, still holding its ends
-  g.Remove(b);                  // held by b-c: out of the ring only
-  EXPECT_EQ(log, "");
-  EXPECT_EQ(g.GetBranchList(), nullptr);
-  EXPECT_EQ(a->Next(), c);
+  Graph path("a bc");
+  zrAutoDelPointer<zrSimpleGraphBranchHead> keep(path.branch["bc"]);
+  path.g.Remove(keep.GetPointer());  // held: out of the graph, still holding its ends
+  path.g.Remove(path.node['b']);     // held by b-c: out of the ring only
+  EXPECT_TRUE(log.empty() && path.g.GetBranchList() == nullptr);
+  EXPECT_EQ(path.node['a']->Next(), path.node['c']);
   keep = nullptr;  // b-c goes, and with it the last hold on b
   EXPECT_EQ(log, "~bc~b");
 }
@@ -128,13 +112,12 @@ TEST(SimpleGraph, CopiesAreHandlesOnOneGraph) {
   log.clear();
   auto* last = new zrSimpleGraph;
   {
-    zrSimpleGraph g;
-    Node* a = AddNode(g, 'a');
-    AddBranch(g, a, AddNode(g, 'b'));
-    const zrSimpleGraph h(g);
+    Graph graph("ab");
+    const zrSimpleGraph h(graph.g);
     *last = h;
-    Node* c = AddNode(*last, 'c');
-    EXPECT_EQ(g.GetNodeList()->Prev(), c);  // seen through every handle
+    auto* c = new Node('c');
+    last->Add(c);
+    EXPECT_EQ(graph.g.GetNodeList()->Prev(), c);  // seen through every handle
   }
   EXPECT_EQ(log, "");
   delete last;  // the last handle removes the branches, then the nodes
@@ -143,32 +126,23 @@ TEST(SimpleGraph, CopiesAreHandlesOnOneGraph) {
 
 TEST(SimpleGraph, IteratorHoldsWhatItVisits) {
   log.clear();
-  zrSimpleGraph g;
-  Node* a = AddNode(g, 'a');
-  AddBranch(g, a, AddNode(g, 'b'));
   {
-    zrNodeBranchIter it(a);
-    g.Remove(a);  // a and a-b leave the graph; the walk holds them
+    Graph graph("ab");
+    zrNodeBranchIter it(graph.node['a']);
+    graph.g.Remove(graph.node['a']);  // a and a-b leave the graph; the walk holds them
     EXPECT_EQ(log, "");
     it.Next();  // a-b was taken out: the walk ends and lets it go
-    EXPECT_EQ(log, "~ab");
-    EXPECT_TRUE(it.IsEnd());
+    EXPECT_TRUE(log == "~ab" && it.IsEnd());
     EXPECT_EQ(zr_test::BadParametersText([&] { it.Get(); }),
               "Invalid parameters : zrNodeBranchIter: out of range");
   }
-  EXPECT_EQ(log, "~ab~a");
+  EXPECT_EQ(log, "~ab~a~b");
 }
 
 TEST(SimpleGraph, WaveHasNoVisitedSetOfItsOwn) {
   // A triangle a-b-c whose acceptance takes every node at most twice: the walk keeps no
   // visited set of its own, so a node is queued again each time a step into it is taken.
-  zrSimpleGraph g;
-  Node* a = AddNode(g, 'a');
-  Node* b = AddNode(g, 'b');
-  Node* c = AddNode(g, 'c');
-  AddBranch(g, a, b);
-  AddBranch(g, b, c);
-  AddBranch(g, c, a);
+  Graph triangle("ab bc ca");
   std::string steps;
   auto twice = [](zrSimpleGraphNodeHead*, zrSimpleGraphNodeHead* to, zrSimpleGraphBranchHead*,
                   void* data) {
@@ -178,7 +152,7 @@ TEST(SimpleGraph, WaveHasNoVisitedSetOfItsOwn) {
     s += Of(to);
     return 1;
   };
-  g.Wave(a, twice, &steps);
+  triangle.g.Wave(triangle.node['a'], twice, &steps);
   EXPECT_EQ(steps, "bcacba");  // from a: b, c; from b: a, c; from c: b, a; then all refused
 }
 
@@ -224,43 +198,23 @@ int Meddle(zrSimpleGraphNodeHead* from, zrSimpleGraphNodeHead* to, zrSimpleGraph
   return accepted;
 }
 
-// a-b, a-c, b-d, c-d, walked from a.
-struct Diamond {
-  Diamond() {
-    a = AddNode(g, 'a');
-    b = AddNode(g, 'b');
-    c = AddNode(g, 'c');
-    d = AddNode(g, 'd');
-    AddBranch(g, a, b);
-    AddBranch(g, a, c);
-    bd = AddBranch(g, b, d);
-    AddBranch(g, c, d);
-    a->SetLevel(1);
-  }
-  zrSimpleGraph g;
-  Node *a, *b, *c, *d;
-  Branch* bd;
-};
-
 }  // namespace
 
 TEST(SimpleGraph, RemovalInsideAWaveIsRefused) {
   for (const bool nested : {false, true}) {
     log.clear();
     {
-      Diamond dia;
+      Graph dia("ab ac bd cd");  // walked from a
+      dia.node['a']->SetLevel(1);
       Meddler m;
       m.g = &dia.g;
       m.nested = nested;  // an inner walk that ends must leave the outer one walking
-      dia.g.Wave(dia.a, Meddle, &m);
-      EXPECT_GT(m.attempts, 10);
-      EXPECT_EQ(m.refused, m.attempts);
-      EXPECT_EQ(log, "");
-      EXPECT_EQ(dia.d->GetBack(), dia.bd);  // the walk ran to its end on the whole graph
-      EXPECT_EQ(dia.d->GetLevel(), 3);
-      dia.g.Remove(dia.b);  // after the walk removal works again
-      EXPECT_EQ(log, "~ab~bd~b");
-      EXPECT_EQ(dia.d->GetBack(), nullptr);  // its branch has gone
+      dia.g.Wave(dia.node['a'], Meddle, &m);
+      EXPECT_TRUE(m.attempts > 10 && m.refused == m.attempts && log.empty());
+      // The walk ran to its end on the whole graph.
+      EXPECT_TRUE(dia.node['d']->GetBack() == dia.branch["bd"] && dia.node['d']->GetLevel() == 3);
+      dia.g.Remove(dia.node['b']);  // after the walk removal works again
+      EXPECT_TRUE(log == "~ab~bd~b" && dia.node['d']->GetBack() == nullptr);  // its branch went
     }
     EXPECT_EQ(log, "~ab~bd~b~ac~cd~a~c~d");
   }
@@ -269,28 +223,29 @@ TEST(SimpleGraph, RemovalInsideAWaveIsRefused) {
 TEST(SimpleGraph, AWaveEndsCleanlyWhenTheAcceptanceThrowsOrDropsTheGraph) {
   log.clear();
   {
-    Diamond dia;
+    Graph dia("ab ac bd cd");
+    dia.node['a']->SetLevel(1);
     const auto thrower = [](zrSimpleGraphNodeHead* from, zrSimpleGraphNodeHead* to,
                             zrSimpleGraphBranchHead* via, void*) {
       if (Of(to) == 'd') throw 7;
       return zrSimpleGraph::PathLen(from, to, via, nullptr);
     };
-    EXPECT_THROW(dia.g.Wave(dia.a, thrower, nullptr), int);
-    dia.g.Remove(dia.bd);  // the walk's state went with the exception
+    EXPECT_THROW(dia.g.Wave(dia.node['a'], thrower, nullptr), int);
+    dia.g.Remove(dia.branch["bd"]);  // the walk's state went with the exception
     EXPECT_EQ(log, "~bd");
   }
   log.clear();
   {
     // The acceptance drops the last handle on the graph it walks: the walk finishes on the
     // members it holds, and they go with it.
-    Diamond dia;
+    Graph dia("ab ac bd cd");
+    dia.node['a']->SetLevel(1);
     const auto dropper = [](zrSimpleGraphNodeHead* from, zrSimpleGraphNodeHead* to,
                             zrSimpleGraphBranchHead* via, void* data) {
       *static_cast<zrSimpleGraph*>(data) = zrSimpleGraph();
       return zrSimpleGraph::PathLen(from, to, via, nullptr);
     };
-    dia.g.Wave(dia.a, dropper, &dia.g);
-    EXPECT_EQ(log, "~ab~ac~bd~cd~a~b~c~d");
-    EXPECT_EQ(dia.g.GetNodeList(), nullptr);
+    dia.g.Wave(dia.node['a'], dropper, &dia.g);
+    EXPECT_TRUE(log == "~ab~ac~bd~cd~a~b~c~d" && dia.g.GetNodeList() == nullptr);
   }
 }

@@ -3,83 +3,60 @@
 #include <gtest/gtest.h>
 
 #include <string>
-#include <vector>
 
 #include "zr/zr.h"
 
-TEST(TextErrors, ZrErrorTakesTheStringsCharacters) {
-  const zrError plain(zrString("abc"));
-  EXPECT_EQ(plain.GetCode(), -1);
-  EXPECT_STREQ(plain.GetMessageText(), "abc");
-
-  // Not zero-terminated: only the string's characters, cut at a zero byte, are taken.
-  const char chars[] = {'x', 'y', 'z'};
-  const zrError coded(5, zrString(chars, 2));
-  EXPECT_EQ(coded.GetCode(), 5);
-  EXPECT_STREQ(coded.GetMessageText(), "xy");
-  const zrError zero(zrString("a\0b", 3));
-  EXPECT_STREQ(zero.GetMessageText(), "a");
-  EXPECT_EQ(zrExceptionWithMessage::message[2], 0);  // nothing after the zero either
-
-  const std::vector<char> long_text(600, 'q');
-  const zrError cut(zrString(long_text.data(), 600));
-  EXPECT_EQ(cut.GetMessageText(), std::string(511, 'q'));
-}
-
-TEST(TextErrors, TarnErrorKeepsAPrivateTextAndCopiesShareIt) {
-  char text[] = "owned by the caller";
-  const zrTarnError e(7, zrString(text), zrString("the message"));
-  EXPECT_EQ(e.GetFirstCode(), -1);
-  EXPECT_EQ(e.GetSecondCode(), 7);
-  EXPECT_STREQ(e.GetMessageText(), "the message");
-  EXPECT_NE(e.GetText().GetPointer(), text);
-  text[0] = 'O';
-  EXPECT_EQ(e.GetText(), "owned by the caller");
-
-  const zrTarnError both(1, 2, zrString("t"), zrString("m"));
-  EXPECT_EQ(both.GetFirstCode(), 1);
-  EXPECT_EQ(both.GetSecondCode(), 2);
-
-  zrTarnError copy(e);
-  EXPECT_EQ(copy.GetText().GetPointer(), e.GetText().GetPointer());
-  EXPECT_EQ(copy.GetSecondCode(), 7);
-  EXPECT_EQ(e.GetText().GetNumOfRef(), 1);
-  copy = both;
-  EXPECT_EQ(copy.GetText().GetMem(), both.GetText().GetMem());
-  EXPECT_EQ(copy.GetFirstCode(), 1);
-  EXPECT_EQ(e.GetText().GetNumOfRef(), 0);
-
-  // Thrown, the text outlives the characters it was made from.
-  try {
-    char local[] = "local";
-    throw zrTarnError(3, zrString(local), zrString("thrown"));
-  } catch (const zrTarnError& caught) {
-    const zrTarnError kept(caught);
-    EXPECT_EQ(kept.GetText(), "local");
-    EXPECT_STREQ(kept.GetMessageText(), "thrown");
+TEST(TextErrors, TextsAreCutAtAZeroByteAndAtTheBuffersEnd) {
+  const std::string q(600, 'q'), n(495, 'n');
+  const char chars[] = {'x', 'y', 'z'};  // not zero-terminated
+  const struct {
+    zrString text;
+    std::string error, no_implemented;
+  } cases[] = {
+      {zrString("abc"), "abc", "Function abc don't implemented"},
+      {zrString(chars, 2), "xy", "Function xy don't implemented"},
+      {zrString("a\0b", 3), "a", "Function a"},  // nothing after the zero, not even the tail
+      {zrString(q.data(), 600), std::string(511, 'q'), "Function " + std::string(502, 'q')},
+      {zrString(n.data(), 495), n, ("Function " + n + " don't implemented").substr(0, 511)}};
+  // The whole buffer: the text, then zeros.
+  const auto buffer = [](const std::string& text) {
+    return std::string(zrExceptionWithMessage::message, zrExceptionWithMessage::kMessageSize) ==
+           text + std::string(zrExceptionWithMessage::kMessageSize - text.size(), '\0');
+  };
+  for (const auto& c : cases) {
+    EXPECT_EQ(zrError(5, c.text).GetCode(), 5);
+    EXPECT_TRUE(buffer(c.error)) << c.error;
+    EXPECT_TRUE(zrErr_NoImplemented(c.text).GetName() == c.text && buffer(c.no_implemented))
+        << c.no_implemented;
   }
-}
-
-TEST(TextErrors, NoImplementedNamesTheFunction) {
-  const zrErr_NoImplemented e(zrString("Solve"));
-  EXPECT_STREQ(e.GetMessageText(), "Function Solve don't implemented");
-  EXPECT_EQ(e.GetName(), "Solve");
-  const zrErr_NoImplemented copy(e);
-  EXPECT_EQ(copy.GetName().GetPointer(), e.GetName().GetPointer());
-
-  // One text, cut as the buffer cuts: at a zero byte, and at 511 characters.
-  const zrErr_NoImplemented zero(zrString("a\0b", 3));
-  EXPECT_STREQ(zero.GetMessageText(), "Function a");
-  const std::vector<char> long_name(520, 'n');
-  const zrErr_NoImplemented cut(zrString(long_name.data(), 520));
-  EXPECT_EQ(cut.GetMessageText(), "Function " + std::string(502, 'n'));
-  const std::vector<char> fits(495, 'n');
-  const zrErr_NoImplemented tail_cut(zrString(fits.data(), 495));
-  EXPECT_EQ(tail_cut.GetMessageText(),
-            ("Function " + std::string(495, 'n') + " don't implemented").substr(0, 511));
-
+  EXPECT_EQ(zrError(zrString("t")).GetCode(), -1);
   // A name read from the buffer itself.
   const BadParameters first("x");
   const zrErr_NoImplemented from_buffer(zrString(first.GetMessageText()));
   EXPECT_STREQ(from_buffer.GetMessageText(), "Function Invalid parameters : x don't implemented");
+}
+
+TEST(TextErrors, TarnErrorKeepsAPrivateTextAndCopiesShareTheirs) {
+  char text[] = "owned by the caller";
+  const zrTarnError e(7, zrString(text), zrString("the message"));
+  EXPECT_TRUE(e.GetFirstCode() == -1 && e.GetSecondCode() == 7);
+  EXPECT_STREQ(e.GetMessageText(), "the message");
+  text[0] = 'O';
+  EXPECT_TRUE(e.GetText() == "owned by the caller" && e.GetText().GetPointer() != text);
+
+  const zrTarnError both(1, 2, zrString("t"), zrString("m"));
+  zrTarnError copy(e);
+  EXPECT_TRUE(copy.GetText().GetPointer() == e.GetText().GetPointer() && copy.GetSecondCode() == 7);
+  EXPECT_EQ(e.GetText().GetNumOfRef(), 1);
+  copy = both;
+  EXPECT_TRUE(copy.GetText().GetMem() == both.GetText().GetMem() && copy.GetFirstCode() == 1);
+  EXPECT_TRUE(copy.GetSecondCode() == 2 && e.GetText().GetNumOfRef() == 0);
+
+  // The names of zrErr_NoImplemented are shared the same way.
+  const zrErr_NoImplemented solve(zrString("Solve") + zrString());
+  zrErr_NoImplemented other(zrString("x"));
+  other = solve;
+  EXPECT_EQ(other.GetName().GetMem(), solve.GetName().GetMem());
+  EXPECT_EQ(zrErr_NoImplemented(other).GetName().GetMem(), solve.GetName().GetMem());
+  EXPECT_EQ(solve.GetName().GetNumOfRef(), 1);
 }

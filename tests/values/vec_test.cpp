@@ -1,5 +1,5 @@
 // zrVec2 and zrTVec3<double>: componentwise arithmetic and partial order, products, the
-// tie rules of Min and Max, zrSgn and the flat forms.
+// tie rules of Min and Max, zrSgn; and the flat forms of the value types.
 #include <gtest/gtest.h>
 
 #include <cmath>
@@ -11,11 +11,7 @@
 
 using Vec3 = zrTVec3<double>;
 
-namespace {
-
 const double kNaN = std::numeric_limits<double>::quiet_NaN();
-
-}  // namespace
 
 TEST(Vec, ArithmeticIsComponentwise) {
   // A scalar is subtracted from and divided into each component, not the other way round.
@@ -28,52 +24,41 @@ TEST(Vec, ArithmeticIsComponentwise) {
 
   // Unary minus flips the signs of zeros too.
   const zrVec2 p = -zrVec2(0.0, -0.0);
-  EXPECT_TRUE(std::signbit(p.X()));
-  EXPECT_FALSE(std::signbit(p.Y()));
   const Vec3 v = -Vec3(-0.0, 0.0, 2.0);
-  EXPECT_FALSE(std::signbit(v.X()));
-  EXPECT_TRUE(std::signbit(v.Y()));
+  EXPECT_TRUE(std::signbit(p.X()) && !std::signbit(p.Y()));
+  EXPECT_TRUE(!std::signbit(v.X()) && std::signbit(v.Y()));
 }
 
 TEST(Vec, OrderIsPartialAndNaNBreaksEverything) {
-  const zrVec2 a(1, 2), b(1, 5), c(2, 3);
+  const zrVec2 a(1, 2), b(1, 5), c(2, 3), n(1, kNaN);
   EXPECT_EQ((a <= a) + (a >= a) + (a == a), 3);
   EXPECT_EQ((a < a) + (a > a) + (a != a), 0);
   EXPECT_EQ((a <= b) + (a < c) + (c > a), 3);
   EXPECT_EQ(a < b, 0);  // only one component is smaller
   EXPECT_EQ((b < c) + (b > c) + (b <= c) + (b >= c), 0);
+  EXPECT_EQ((n < c) + (n > zrVec2(0, 0)) + (n <= n) + (n >= n) + (n == n) + (n != n), 1);
 
-  const zrVec2 n(1, kNaN);
-  EXPECT_EQ((n < c) + (n > zrVec2(0, 0)) + (n <= n) + (n >= n) + (n == n), 0);
-  EXPECT_EQ(n != n, 1);
-
-  const Vec3 u(1, 2, 3), w(2, 3, 3);
+  const Vec3 u(1, 2, 3), w(2, 3, 3), m(1, 2, kNaN);
   EXPECT_EQ((u < w) + (w > u), 0);  // z ties
   EXPECT_EQ((u <= w) + (w >= u) + (u != w), 3);
-  const Vec3 m(1, 2, kNaN);
-  EXPECT_EQ((m < w) + (m > Vec3(0, 0, 0)) + (m <= m) + (m >= m) + (m == m), 0);
-  EXPECT_EQ(m != m, 1);
+  EXPECT_EQ((m < w) + (m > Vec3(0, 0, 0)) + (m <= m) + (m >= m) + (m == m) + (m != m), 1);
 }
 
-TEST(Vec, ProductsAndNorms) {
+TEST(Vec, ProductsNormsAndSigns) {
   EXPECT_EQ(Vec3(1, 2, 3).ScalarMul(Vec3(4, 5, 6)), 32.0);
   EXPECT_EQ(zrVec2(3, -4).Norm(), 5.0);
-  // No scaling: the squares overflow.
-  EXPECT_TRUE(std::isinf(Vec3(0, 0, 1e200).Norm()));
-
+  EXPECT_TRUE(std::isinf(Vec3(0, 0, 1e200).Norm()));  // no scaling: the squares overflow
   EXPECT_EQ(Vec3(1, 2, 3).VectorMul(Vec3(4, 5, 6)), Vec3(-3, 6, -3));
   EXPECT_EQ(Vec3(1, 2, 6).E(), 3.0);
-}
+  EXPECT_EQ(zrSgn(zrVec2(-0.0, kNaN)), zrVec2(0, 1));  // zeros give 0, NaN gives 1
+  EXPECT_EQ(zrSgn(zrVec2(-3, 2)), zrVec2(-1, 1));
 
-TEST(Vec, MulCLIsTheOuterProductWithThisVectorAsTheColumn) {
-  // Element (i, j) = a[i] * b[j], stored by rows: the transpose would swap 2*5 and 3*4.
-  const zrMatrix2x2 m = zrVec2(2, 3).MulCL(zrVec2(4, 5));
-  const double m_want[] = {8, 10, 12, 15};
-  for (int k = 0; k < 4; ++k) EXPECT_EQ(m.GetPointer()[k], m_want[k]) << k;
-
-  const zrTMatrix3x3<double> t = Vec3(1, 2, 3).MulCL(Vec3(1, 10, 100));
-  const double t_want[] = {1, 10, 100, 2, 20, 200, 3, 30, 300};
-  for (int k = 0; k < 9; ++k) EXPECT_EQ(t.GetPointer()[k], t_want[k]) << k;
+  // MulCL is the outer product with this vector as the column, stored by rows: element
+  // (i, j) = a[i] * b[j] (the transpose would swap 2*5 and 3*4).
+  const double m_want[] = {8, 10, 12, 15}, t_want[] = {1, 10, 100, 2, 20, 200, 3, 30, 300};
+  EXPECT_EQ(std::memcmp(zrVec2(2, 3).MulCL(zrVec2(4, 5)).GetPointer(), m_want, sizeof m_want), 0);
+  EXPECT_EQ(std::memcmp(Vec3(1, 2, 3).MulCL(Vec3(1, 10, 100)).GetPointer(), t_want, sizeof t_want),
+            0);
 }
 
 TEST(Vec, MinAndMaxTakeTheLaterOnTiesAndNaN) {
@@ -90,46 +75,43 @@ TEST(Vec, MinAndMaxTakeTheLaterOnTiesAndNaN) {
   EXPECT_EQ(zrVec2(1, 5).Max(zrVec2(2, 3)), zrVec2(2, 5));
   EXPECT_EQ(zrVec2(1, 5).Min(zrVec2(2, 3)), zrVec2(1, 3));
   const zrVec2 mx = zrVec2(0.0, kNaN).Max(zrVec2(-0.0, 1));
-  EXPECT_TRUE(std::signbit(mx.X()));
-  EXPECT_EQ(mx.Y(), 1.0);
   const zrVec2 mn = zrVec2(-0.0, 1).Min(zrVec2(0.0, kNaN));
-  EXPECT_FALSE(std::signbit(mn.X()));
-  EXPECT_TRUE(std::isnan(mn.Y()));
+  EXPECT_TRUE(std::signbit(mx.X()) && mx.Y() == 1.0);
+  EXPECT_TRUE(!std::signbit(mn.X()) && std::isnan(mn.Y()));
 }
 
-TEST(zrSgn, ZerosGiveZeroAndNaNGivesOne) {
-  EXPECT_EQ(zrSgn(zrVec2(-0.0, kNaN)), zrVec2(0, 1));
-  EXPECT_EQ(zrSgn(zrVec2(-3, 2)), zrVec2(-1, 1));
-}
-
-TEST(Vec, FlatFormsAreTheRawComponentsBackToBack) {
-  const zrVec2 p(1.0, -0.0);
-  const Vec3 v(zr_test::FromBits(0x7FF800000000BEEF), -2.0, 0.5);  // a NaN with a payload
-  EXPECT_EQ(zrMemSize(p), 16);
-  EXPECT_EQ(zrMemSize(v), 24);
+TEST(ValueTypes, FlatFormsAreTheRawComponentsBackToBack) {
+  // A NaN with a payload and a signed zero must come through bit for bit.
+  const zrComplex z(zr_test::FromBits(0xFFF800000000ABCDull), -0.0);
+  const zrVec2 p(1.0, -2.0);
+  const Vec3 v(0.5, -0.0, zr_test::FromBits(0x7FF800000000BEEFull));
+  EXPECT_TRUE(zrMemSize(z) == 16 && zrMemSize(p) == 16 && zrMemSize(v) == 24);
 
   unsigned char buffer[64];
   std::memset(buffer, 0xEE, sizeof buffer);
   unsigned char* at = buffer + 1;  // unaligned
+  at += zrToMem(at, z);
   at += zrToMem(at, p);
   at += zrToMem(at, v);
-  EXPECT_EQ(at - buffer, 1 + 40);
-  EXPECT_EQ(*at, 0xEE);
-
+  EXPECT_TRUE(at - buffer == 57 && *at == 0xEE);
   const unsigned char expected[] = {
-      0,    0,    0, 0, 0, 0, 0xF0, 0x3F, 0, 0, 0, 0, 0, 0, 0, 0x80,  // 1, -0
-      0xEF, 0xBE, 0, 0, 0, 0, 0xF8, 0x7F, 0, 0, 0, 0, 0, 0, 0, 0xC0,  // NaN, -2
-      0,    0,    0, 0, 0, 0, 0xE0, 0x3F};                            // 0.5
+      0xCD, 0xAB, 0, 0, 0, 0, 0xF8, 0xFF, 0, 0, 0, 0, 0, 0, 0, 0x80,  // NaN, -0
+      0,    0,    0, 0, 0, 0, 0xF0, 0x3F, 0, 0, 0, 0, 0, 0, 0, 0xC0,  // 1, -2
+      0,    0,    0, 0, 0, 0, 0xE0, 0x3F, 0, 0, 0, 0, 0, 0, 0, 0x80,  // 0.5, -0
+      0xEF, 0xBE, 0, 0, 0, 0, 0xF8, 0x7F};                            // NaN
   EXPECT_EQ(std::memcmp(buffer + 1, expected, sizeof expected), 0);
 
+  zrComplex rz;
   zrVec2 rp;
   Vec3 rv;
   const unsigned char* from = buffer + 1;
+  from += zrFromMem(from, rz);
   from += zrFromMem(from, rp);
-  from += zrFromMem(from, rv);
-  EXPECT_EQ(from - buffer, 1 + 40);
-  // Bit for bit, NaN payload and signed zero included: written again, the same bytes.
-  unsigned char again[40];
-  zrToMem(again + zrToMem(again, rp), rv);
+  EXPECT_EQ(zrFromMem(from, rv), 24);
+  // Written again, the same bytes.
+  unsigned char again[56];
+  zrToMem(again + 32, rv);
+  zrToMem(again + 16, rp);
+  zrToMem(again, rz);
   EXPECT_EQ(std::memcmp(again, expected, sizeof again), 0);
 }
