@@ -2,10 +2,11 @@
 // the lifetime of class-type elements.
 #include <gtest/gtest.h>
 
-#include <initializer_list>
 #include <string>
+#include <utility>
 #include <vector>
 
+#include "support/array_builders.h"
 #include "support/test_support.h"
 #include "zr/arrays/simple_array_impl.h"
 #include "zr/zr.h"
@@ -40,77 +41,104 @@ using V = std::vector<int>;
 
 const std::string kBad = "Invalid parameters : ";
 
-Ints Of(std::initializer_list<int> values) {
-  Ints a;
-  for (int v : values) a.push_back(v);
-  return a;
-}
-
+Ints Of(std::initializer_list<int> values) { return zr_test::Of<Ints>(values); }
 template <class T>
 V Values(const zrSimpleArray<T>& a) {
   return {a.begin(), a.end()};
 }
-
 int BlockCount(const zrPArray& a) { return zr::detail::BlockCount(a.GetMem()); }
-
 int Asc(const int& a, const int& b) { return a < b ? -1 : (a > b ? 1 : 0); }
+
+// Who sees a write: w starts as a.Mid(from, n) of a = {0, 1, 2, 3, 4}, edit(w, a) is
+// applied, and after w[0] = 99, a[at] shows it exactly when the two share the element.
+struct Sharing {
+  const char* what;
+  int from, n;
+  void (*edit)(Ints& w, Ints& a);
+  int at;
+  bool seen;
+};
+const Sharing kSharing[] = {
+    {"Mid", 1, 2, [](Ints&, Ints&) {}, 1, true},
+    {"SetSubWindow", 0, 1, [](Ints& w, Ints& a) { w.SetSubWindow(a, 2, 3); }, 2, true},
+    {"SetDirectly holding the block", 0, 1,
+     [](Ints& w, Ints& a) { w.SetDirectly(a.GetPointer() + 1, 3, a); }, 1, true},
+    {"Move", 1, 2,
+     [](Ints& w, Ints&) {
+       Ints m;
+       m.Move(w);
+       w.Move(m);
+     },
+     1, true},
+    {"copy", 0, 5,
+     [](Ints& w, Ints&) {
+       Ints c(w);
+       w.Move(c);
+     },
+     0, false},
+    {"Copy", 1, 2, [](Ints& w, Ints&) { w.Copy(); }, 1, false},
+    {"ReSet to the same length", 0, 3, [](Ints& w, Ints&) { w.ReSet(3); }, 0, true},
+    {"ReSet to another length", 0, 3, [](Ints& w, Ints&) { w.ReSet(4); }, 0, false},
+    {"push_back", 0, 2, [](Ints& w, Ints&) { w.push_back(7); }, 0, false},
+    {"push_back on the whole block", 0, 5, [](Ints& w, Ints&) { w.push_back(7); }, 0, false},
+    {"Concat inside the block", 3, 2, [](Ints& w, Ints&) { w.Concat(Of({7})); }, 3, false},
+    {"Insert", 0, 2, [](Ints& w, Ints&) { w.Insert(7, 2); }, 0, false},
+    {"Remove", 0, 3, [](Ints& w, Ints&) { w.Remove(2); }, 0, false},
+    {"Replace of the same length", 0, 3,
+     [](Ints& w, Ints&) {
+       w.Replace(1, 2, Of({7, 8}));
+     },
+     0, true},
+    {"Replace of another length", 0, 3,
+     [](Ints& w, Ints&) {
+       w.Replace(1, 1, Of({7, 8}));
+     },
+     0, false},
+    {"assignment of the same length", 1, 2,
+     [](Ints& w, Ints&) {
+       w = Of({7, 8});
+     },
+     1, true},
+    {"assignment of another length", 1, 2,
+     [](Ints& w, Ints&) {
+       w = Of({7, 8, 9});
+     },
+     1, false},
+    {"rotation", 0, 3, [](Ints& w, Ints&) { w.CycleLeftShift(1); }, 0, true},
+};
 
 }  // namespace
 
-TEST(SimpleArray, WindowsAndMoveShareCopiesDoNot) {
-  Ints window;
-  {
-    Ints source = Of({0, 1, 2, 3, 4});
-    window.SetSubWindow(source, 2, 3);
-    source.Mid(1, 2)[1] = 20;
-    source.Right(1)[0] = 40;
-    EXPECT_EQ(Values(window), (V{20, 3, 40}));
-    Ints copy(window);  // deep: a block of its own, of the viewed length
-    copy[0] = 99;
-    EXPECT_EQ(source[2], 20);
-    EXPECT_EQ(BlockCount(copy), 3);
+TEST(SimpleArray, WhoSeesAWrite) {
+  for (const Sharing& c : kSharing) {
+    Ints a = Of({0, 1, 2, 3, 4}), w = a.Mid(c.from, c.n);
+    c.edit(w, a);
+    w[0] = 99;
+    EXPECT_EQ(a[c.at] == 99, c.seen) << c.what;
   }
-  Ints moved;  // the window outlives its source and hands the block over
+  // Memory the array does not own is copied from and left alone.
+  int raw[3] = {4, 5, 6};
+  Ints view;
+  view.SetDirectly(raw, 3);
+  for (auto* detach : {+[](Ints& w) { w.Copy(); }, +[](Ints& w) { w.push_back(7); }}) {
+    Ints w = view;
+    detach(w);
+    w[0] = 0;
+    EXPECT_EQ(raw[0], 4);
+  }
+  // A window outlives its source and hands the block over.
+  Ints window;
+  window.SetSubWindow(Of({0, 1, 2, 3, 4}), 2, 3);
+  Ints moved;
   int* const p = window.GetPointer();
   moved.Move(window);
-  EXPECT_EQ(moved.GetPointer(), p);
-  EXPECT_EQ(window.GetMem(), nullptr);
-  EXPECT_EQ(Values(moved), (V{20, 3, 40}));
-
-  Ints detached = moved.Left(2);
-  detached.Copy();
-  detached[0] = 0;
-  EXPECT_EQ(moved[0], 20);
-  int raw[2] = {5, 6};
-  Ints view;
-  view.SetDirectly(raw, 2);
-  view.Copy();
-  view[0] = 50;
-  EXPECT_EQ(raw[0], 5);
-  EXPECT_EQ(Values(view), (V{50, 6}));
+  EXPECT_TRUE(moved.GetPointer() == p && window.GetMem() == nullptr);
+  EXPECT_EQ(Values(moved), (V{2, 3, 4}));
 }
 
-TEST(SimpleArray, AssignmentWritesInPlaceOnlyWhenTheLengthsMatch) {
-  Ints source = Of({0, 1, 2, 3, 4});
-  Ints window = source.Mid(1, 2);
-  window = Of({7, 8});
-  EXPECT_EQ(Values(source), (V{0, 7, 8, 3, 4}));
-
-  // Another length: a new block for the target; the old sharers keep the old values.
-  window = Of({1, 2, 3});
-  EXPECT_EQ(Values(source), (V{0, 7, 8, 3, 4}));
-  EXPECT_EQ(BlockCount(window), 3);
-
-  // The source may live in the very block that is replaced.
-  Ints inside;
-  inside.SetDirectly(source.GetPointer() + 3, 2);
-  source = inside;
-  EXPECT_EQ(Values(source), (V{3, 4}));
-}
-
-TEST(SimpleArray, ReSetReallocatesExactlyAndLeavesSharersTheOldBlock) {
+TEST(SimpleArray, EditsReallocateExactlyAndKeepTheOldValues) {
   Ints a = Of({1, 2, 3});
-  Ints b = a.Left(3);
+  const Ints b = a.Left(3);
   a.ReSet(4);
   EXPECT_EQ(BlockCount(a), 4);
   EXPECT_EQ(Values(b), (V{1, 2, 3}));
@@ -118,80 +146,81 @@ TEST(SimpleArray, ReSetReallocatesExactlyAndLeavesSharersTheOldBlock) {
   a.ReSet(3);
   EXPECT_EQ(BlockCount(a), 3);
   EXPECT_EQ(Values(a.Left(2)), (V{1, 2}));
-
-  const Ints c = b.Left(3);
-  b.ReSet(3);  // the same length: still shared
-  EXPECT_EQ(b.GetPointer(), c.GetPointer());
-
   Ints window;  // the last holder of a larger block, not at its start
   window.SetSubWindow(Of({1, 2, 3, 4}), 1, 2);
   window.ReSet(3);
   EXPECT_EQ(BlockCount(window), 3);
   EXPECT_EQ(Values(window.Left(2)), (V{2, 3}));
-
   window.ReSet(0);
   EXPECT_EQ(window.GetMem(), nullptr);
   EXPECT_EQ(BadParametersText([&] { window.ReSet(-1); }), kBad + "zrNewWithRef : n <= 0 ");
+
+  // Appending to a sole owner grows its block where it lies, exactly.
+  zrSimpleArray<double> grown;
+  for (int i = 0; i < 5000; ++i) {
+    grown.push_back(i * 0.5);
+    ASSERT_TRUE(BlockCount(grown) == grown.Len() && grown.GetPointer() == grown.GetMem());
+  }
+  EXPECT_EQ(grown[4999], 2499.5);
+
+  Ints c = Of({2, 4});
+  int* const at = c.insert(c.begin() + 1, 3);
+  EXPECT_EQ(at, c.GetPointer() + 1);  // in the new storage
+  c.Insert(9, 0);
+  EXPECT_EQ(*c.erase(c.begin()), 2);
+  c.Remove(0);
+  c.push_back(c[0]);  // an element of the array itself
+  c.Concat(c);        // the array itself, or a window of it
+  c.Concat(c.Left(2));
+  EXPECT_EQ(Values(c), (V{3, 4, 3, 3, 4, 3, 3, 4}));
+  EXPECT_EQ(BlockCount(c), 8);
+
+  Ints d = Of({1, 2, 3, 4, 5});
+  d.Replace(1, 3, Of({9}));
+  EXPECT_EQ(BlockCount(d), 3);
+  d.Replace(1, 1, Of({7, 8, 9}));
+  EXPECT_EQ(Values(d), (V{1, 7, 8, 9, 5}));
+  d.CycleLeftShift(-1);  // no effect
+  d.CycleRightShift(6);
+  d.Mid(1, 3).CycleLeftShift(1);
+  d.Mid(1, 4).InverseOrder();
+  EXPECT_EQ(Values(d), (V{5, 9, 1, 8, 7}));
+  Ints e = Of({1, 2, 3, 4});  // the array itself or a window of it as the source
+  e.Replace(1, 2, e);
+  EXPECT_EQ(Values(e), (V{1, 1, 2, 3, 4, 4}));
+  e.Replace(0, 2, e.Mid(2, 3));
+  EXPECT_EQ(Values(e), (V{2, 3, 4, 2, 3, 4, 4}));
+  // The source may live in the very block that an assignment replaces.
+  Ints inside;
+  inside.SetDirectly(e.GetPointer() + 5, 2);
+  e = inside;
+  EXPECT_EQ(Values(e), (V{4, 4}));
 }
 
 TEST(SimpleArray, OutOfRangeTexts) {
   Ints a = Of({1, 2, 3});
+  Ints window = a.Left(2), v;
   const auto text = [](const char* what) { return kBad + "zrSimpleArray<T>::" + what; };
   EXPECT_EQ(BadParametersText([&] { a.Left(0); }), text("Left: Out of Range"));
   EXPECT_EQ(BadParametersText([&] { a.Right(4); }), text("Right: Out of Range"));
   EXPECT_EQ(BadParametersText([&] { a.Mid(2, 2); }), text("Mid: Out of Range"));
-  Ints window = a.Left(2);
   EXPECT_EQ(BadParametersText([&] { window.SetSubWindow(a, 2, 2); }), text("Set : out of range."));
   EXPECT_EQ(window.Len(), 2);  // a refused window leaves the array as it was
   EXPECT_EQ(BadParametersText([&] { a.Replace(2, 2, a); }), text("Replace: Out of Range"));
   EXPECT_EQ(BadParametersText([&] { a.Remove(3); }), kBad + "Out of range");
   EXPECT_EQ(BadParametersText([] { Ints().CycleLeftShift(1); }), kBad + "Out of range");
+  // A view that holds another array's block lies inside that block: both ends are fine,
+  // one past either is refused.
+  Ints b(4, 1);
+  v.SetDirectly(b.GetPointer() + 4, 0, b);
+  for (const auto& [from, n] :
+       {std::pair(2, 3), std::pair(-1, 1), std::pair(5, 0), std::pair(0, -1)})
+    EXPECT_EQ(BadParametersText([&] { v.SetDirectly(b.GetPointer() + from, n, b); }),
+              text("SetDirectly : out of range."));
+  EXPECT_TRUE(v.GetPointer() == b.GetPointer() + 4 && v.Len() == 0 && b.GetNumOfRef() == 1);
 }
 
-TEST(SimpleArray, InsertRemoveAndAppendLeaveSharersAlone) {
-  Ints a = Of({2, 4});
-  const Ints before = a.Left(2);  // keeps the old block alive and apart from the new one
-  int* const at = a.insert(a.begin() + 1, 3);
-  EXPECT_EQ(at, a.GetPointer() + 1);  // in the new storage
-  EXPECT_EQ(Values(before), (V{2, 4}));
-  a.Insert(9, 0);
-  EXPECT_EQ(*a.erase(a.begin()), 2);
-
-  const Ints sharer = a.Left(3);
-  a.Remove(0);  // detaches before it moves anything
-  EXPECT_EQ(Values(a), (V{3, 4}));
-  EXPECT_EQ(Values(sharer), (V{2, 3, 4}));
-
-  a.push_back(a[0]);
-  a.Concat(a);
-  a.Concat(a.Left(2));
-  EXPECT_EQ(Values(a), (V{3, 4, 3, 3, 4, 3, 3, 4}));
-  EXPECT_EQ(BlockCount(a), 8);
-}
-
-TEST(SimpleArray, ReplaceAndRotationsWriteInPlaceWhenTheLengthStays) {
-  Ints a = Of({1, 2, 3, 4, 5});
-  a.Replace(1, 3, Of({9}));
-  EXPECT_EQ(BlockCount(a), 3);
-  a.Replace(1, 1, Of({7, 8, 9}));
-  EXPECT_EQ(Values(a), (V{1, 7, 8, 9, 5}));
-  const Ints sharer = a.Left(5);
-  a.Replace(0, 2, Of({6, 0}));
-  EXPECT_EQ(sharer[1], 0);
-  a.CycleLeftShift(-1);  // no effect
-  a.CycleRightShift(6);
-  a.Mid(1, 3).CycleLeftShift(1);
-  a.Mid(1, 4).InverseOrder();
-  EXPECT_EQ(Values(sharer), (V{5, 9, 6, 8, 0}));
-
-  Ints b = Of({1, 2, 3, 4});  // the array itself or a window of it as the source
-  b.Replace(1, 2, b);
-  EXPECT_EQ(Values(b), (V{1, 1, 2, 3, 4, 4}));
-  b.Replace(0, 2, b.Mid(2, 3));
-  EXPECT_EQ(Values(b), (V{2, 3, 4, 2, 3, 4, 4}));
-}
-
-TEST(SimpleArray, FindBInEitherOrder) {
+TEST(SimpleArray, SortedSearchesIntersectionAndFusion) {
   // 1, 3, ..., 2n - 1 ascending and descending: each is found at its place, no even value.
   for (int n = 0; n <= 8; ++n) {
     Ints up, down;
@@ -206,11 +235,8 @@ TEST(SimpleArray, FindBInEitherOrder) {
     }
   }
   EXPECT_EQ(Of({1, 3, 5}).FindB(1, Asc, 0), -1);  // the wrong mode walks away
-}
 
-TEST(SimpleArray, IntersectionAndFusionOfSortedArrays) {
   EXPECT_TRUE(Ints::IsIntersectB(Of({5, 3, 1}), Of({4, 3}), Asc, 0));
-
   Ints r = Of({7, 7, 7});
   EXPECT_TRUE(r.IntersectB(Of({9, 5, 1}), Of({5, 1}), Asc, 0));
   EXPECT_EQ(Values(r), (V{5, 1}));
@@ -266,7 +292,6 @@ TEST(SimpleArray, AssignmentFromAnOverlappingWindowReadsTheSourceFirst) {
   Ints ahead = a.Mid(2, 5);
   ahead = a.Left(5);  // the target starts inside the source
   EXPECT_EQ(Values(sharer), (V{0, 1, 0, 1, 2, 3, 4, 7}));
-
   Ints b = Of({0, 1, 2, 3, 4, 5, 6, 7});
   Ints behind = b.Left(5);
   behind = b.Mid(2, 5);
@@ -278,18 +303,4 @@ TEST(SimpleArray, AssignmentFromAnOverlappingWindowReadsTheSourceFirst) {
   zrSimpleArray<Counted> tail = c.Right(3);
   tail = c.Left(3);
   EXPECT_EQ(Values(c), (V{0, 0, 1, 2}));
-}
-
-// A view that holds another array's block lies inside that block.
-TEST(SimpleArray, ViewsHoldingABlockStayInsideIt) {
-  zrSimpleArray<int> a(4, 1), v;
-  v.SetDirectly(a.GetPointer() + 1, 3, a);
-  v.SetDirectly(a.GetPointer() + 4, 0, a);  // no elements, at the end
-  EXPECT_TRUE(v.GetMem() == a.GetMem() && a.GetNumOfRef() == 1);
-  const std::string text = "Invalid parameters : zrSimpleArray<T>::SetDirectly : out of range.";
-  for (const auto& c : {std::pair(2, 3), std::pair(-1, 1), std::pair(5, 0), std::pair(0, -1)})
-    EXPECT_EQ(
-        zr_test::BadParametersText([&] { v.SetDirectly(a.GetPointer() + c.first, c.second, a); }),
-        text);
-  EXPECT_TRUE(v.GetPointer() == a.GetPointer() + 4 && v.Len() == 0);
 }
