@@ -27,11 +27,11 @@ struct Branch : zrSimpleGraphBranchHead {
   ~Branch() override { log += std::string{'~', Of(GetNode1()), Of(GetNode2())}; }
 };
 
-// A graph from a spec such as "ab a>c": nodes in the order their names first appear, each
+// A graph from a description such as "ab a>c": nodes in the order their names first appear, each
 // followed by its branches; "ab" is a plain branch a-b, "a>c" one oriented from a to c.
 struct Graph {
-  explicit Graph(const std::string& spec) {
-    std::istringstream in(spec);
+  explicit Graph(const std::string& edges) {
+    std::istringstream in(edges);
     for (std::string t; in >> t;) {
       for (char c : t)
         if (c != '>' && !node.count(c)) g.Add(node[c] = new Node(c));
@@ -64,13 +64,13 @@ TEST(SimpleGraph, LongestShortestPath) {
   // wins. A lone start is a path of its own. No step is taken against an oriented branch,
   // nor is the path read on through the last walk's backs.
   const struct {
-    const char *spec, start, *path;
+    const char *edges, start, *path;
   } cases[] = {
       {"ab bc", 0, "cba"},    {"a b c d ad ac ab", 0, "bac"}, {"a b c d ad ac ab e", 'e', "e"},
       {"a>b cb", 'a', "abc"}, {"a>b cb", 'b', "bc"},          {"aa ab", 'a', "ab"}};
   for (const auto& c : cases) {
-    Graph graph(c.spec);
-    EXPECT_EQ(MaxPath(graph.g, c.start ? graph.node[c.start] : nullptr), c.path) << c.spec;
+    Graph graph(c.edges);
+    EXPECT_EQ(MaxPath(graph.g, c.start ? graph.node[c.start] : nullptr), c.path) << c.edges;
   }
   Graph star("a b c d ad ac ab");
   EXPECT_EQ(star.g.GetMaxPath(star.node['d'], nullptr), 3);  // out is optional
