@@ -1,10 +1,8 @@
 #include <gtest/gtest.h>
 
-#include <cmath>
 #include <initializer_list>
 
 #include "support/points.h"
-#include "support/test_support.h"
 #include "zr/zr.h"
 
 namespace zr::detail {
@@ -38,12 +36,10 @@ void ExpectPoints(const zrSimpleContour2D& c, std::initializer_list<zrVec2> poin
   for (const zrVec2& p : points) EXPECT_LT((c[i++] - p).Norm(), 1e-12) << "point " << i - 1;
 }
 
-TEST(SimpleContour2D, MeasuresOrientationAndParameter) {
+TEST(SimpleContour2D, MeasuresOrientationParameterAndArcDistance) {
   zrSimpleContour2D sq = Square(), rev = Square();
   rev.InverseOrder();
   EXPECT_TRUE(sq.GetOrient() == 0 && rev.GetOrient() == 1);
-  rev.SetOrient(0);
-  ExpectPoints(rev, {{0, 0}, {1, 0}, {1, 1}, {0, 1}});
   // Zero area counts as clockwise; the closing edge is part of the perimeter.
   const zrSimpleContour2D line = Make({{0, 0}, {1, 0}, {2, 0}});
   EXPECT_TRUE(line.GetOrient() == 1 && line.GetLengthOfCurve() == 4.0);
@@ -51,10 +47,8 @@ TEST(SimpleContour2D, MeasuresOrientationAndParameter) {
   // The same share of the parameter per edge, whatever its length; outside [0, 1] it wraps.
   EXPECT_TRUE(sq(0.625) == zrVec2(0.5, 1) && sq(-0.125) == sq(0.875) && sq(1.375) == sq(0.375));
   EXPECT_TRUE(std::isnan(zrSimpleContour2D()(0.5).X()) && std::isnan(sq(INFINITY).Y()));
-}
 
-TEST(SimpleContour2D, PointsAtArcDistance) {
-  const zrSimpleContour2D sq = Square();
+  // Points at an arc distance along the outline.
   EXPECT_EQ(Probe::Pt(sq, 1.0, 0), zrVec2(1, 0));    // an exact vertex ends the walk on its edge
   EXPECT_EQ(Probe::Pt(sq, 4.5, 0), zrVec2(0.5, 0));  // wraps around
   EXPECT_EQ(Probe::Pt(sq, 0.5, 5), zrVec2(1, 0.5));  // the start index is taken modulo n
@@ -66,10 +60,9 @@ TEST(SimpleContour2D, PointsAtArcDistance) {
   const zrSimpleContour2D dot = Make({{2, 3}, {2, 3}, {2, 3}});
   EXPECT_TRUE(Probe::Pt(dot, 1.0, 1) == zrVec2(2, 3) &&
               Probe::PtNdiv2(dot, 1.0, 0) == zrVec2(2, 3));
-
   // Capped at half the edge.
-  EXPECT_TRUE(Probe::PtNdiv2(sq, 7.0, 1) == zrVec2(1, 0.5) &&
-              Probe::PtNdiv2(sq, -0.25, 0) == zrVec2(0, -0.25));
+  EXPECT_EQ(Probe::PtNdiv2(sq, 7.0, 1), zrVec2(1, 0.5));
+  EXPECT_EQ(Probe::PtNdiv2(sq, -0.25, 0), zrVec2(0, -0.25));
 }
 
 TEST(SimpleContour2D, IsIntersectAndIsInsidePoint) {
@@ -92,7 +85,6 @@ TEST(SimpleContour2D, IsIntersectAndIsInsidePoint) {
                {tri, {1, 1}, 1},    {tri, {3, 1}, -1}, {tri, {2, 1}, 0},  {tri, {1, 0.5}, 0}};
   for (const auto& c : cases)
     EXPECT_EQ(c.c.IsInsidePoint(c.p), c.inside) << c.p.X() << " " << c.p.Y();
-  EXPECT_EQ(zrSimpleContour2D().IsInsidePoint({0, 0}), -1);
 }
 
 TEST(SimpleContour2D, MakeCoherentRotatesReorientsAndMeasuresTheBand) {
@@ -112,10 +104,9 @@ TEST(SimpleContour2D, MakeCoherentRotatesReorientsAndMeasuresTheBand) {
       "Invalid parameters : zrSimpleContour2D::MakeCoherent: both length Must be equal.";
   EXPECT_EQ(BadParametersText([&] { c.MakeCoherent(zrSimpleContour2D(Square().Left(3))); }), text);
   EXPECT_EQ(BadParametersText([&] { c.MakeCoherentS(zrSimpleContour2D()); }), text);
-  zrSimpleContour2D empty;
-  empty.MakeCoherent(zrSimpleContour2D());
-  empty.MakeCoherentS(zrSimpleContour2D());
-  EXPECT_EQ(empty.Len(), 0);
+  zrSimpleContour2D empty;  // nothing to align, nothing read
+  empty.MakeCoherent(empty);
+  empty.MakeCoherentS(empty);
 
   // MakeCoherentS restores the starting point of any rotated copy.
   zrSimpleContour2D target = Make({{0, 0}, {3, 0}, {4, 2}, {3, 4}, {0, 4}, {-1, 2}});
@@ -123,9 +114,8 @@ TEST(SimpleContour2D, MakeCoherentRotatesReorientsAndMeasuresTheBand) {
     zrSimpleContour2D copy = target;
     copy.CycleLeftShift(r);
     if (r % 2 == 1) copy.InverseOrder();  // and clockwise
-    zrArray<zrVec2> shared = copy.Left(6);
     copy.MakeCoherentS(target);
-    for (int i = 0; i < 6; ++i) EXPECT_TRUE(copy[i] == target[i] && shared[i] == target[i]) << r;
+    for (int i = 0; i < 6; ++i) EXPECT_EQ(copy[i], target[i]) << r;
   }
   // The band measure. Identical squares: every triangle has the sides 10, sqrt(101),
   // sqrt(101) (the lift 100 applies to the contour's own edges too), area 5 * sqrt(76).
@@ -136,7 +126,7 @@ TEST(SimpleContour2D, MakeCoherentRotatesReorientsAndMeasuresTheBand) {
   EXPECT_EQ(Probe::PartTriS(sq, sq, sq[2], 6), Probe::PartTriS(sq, sq, sq[2], 2));
 }
 
-TEST(SimpleContour2D, CutByStraightLineAndClipToRange) {
+TEST(SimpleContour2D, CutClipAndArraysOfContours) {
   zrSimpleContour2D sq = Square();
   // Vertices (1, 0) and (0, 1) lie on the cutting diagonal: the first is left toward the
   // kept side after arriving from the other, the second reached from the kept side, so
@@ -150,12 +140,7 @@ TEST(SimpleContour2D, CutByStraightLineAndClipToRange) {
 
   zrSimpleContour2D big = Make({{-1, -1}, {5, -1}, {5, 5}, {-1, 5}});
   zrArray<int> range(2, 3);
-  zrSimpleContour2D clipped = big.zrPolyLineToRange(range);
-  ASSERT_EQ(clipped.Len(), 4);
-  // Four points, area 4 and the range's corners on the outline: the square [0, 2]^2.
-  for (const zrVec2& corner : {zrVec2(0, 0), zrVec2(2, 0), zrVec2(2, 2), zrVec2(0, 2)})
-    EXPECT_EQ(clipped.IsInsidePoint(corner), 0);
-  EXPECT_NEAR(clipped.GetS(), 4.0, 1e-12);
+  ExpectPoints(big.zrPolyLineToRange(range), {{2, 2}, {0, 2}, {0, 0}, {2, 0}});  // [0, 2]^2
 
   const std::string few = "Invalid parameters : Contour2D must have larger two of point.";
   zrSimpleContour2D two(Square().Left(2));
@@ -165,16 +150,13 @@ TEST(SimpleContour2D, CutByStraightLineAndClipToRange) {
   // Entirely outside: the first cut leaves nothing for the second.
   zrSimpleContour2D away = Make({{10, -5}, {11, -5}, {11, -4}});
   EXPECT_EQ(BadParametersText([&] { away.zrPolyLineToRange(range); }), few);
-}
 
-TEST(SimpleContour2D, ArraysMoveContoursWithoutWritingSharedPoints) {
-  zrSimpleArray<zrSimpleContour2D> contours(2);
-  contours[0] = Square();
-  contours[1] = Make({{5, 5}, {6, 5}, {6, 6}, {5, 6}});
-  zrArray<zrVec2> view = contours[0].Left(4);  // shares contour 0's block
+  // Arrays of contours move them without writing shared points.
+  auto contours = zr_test::Of<zrSimpleArray<zrSimpleContour2D>>(
+      {Square(), Make({{5, 5}, {6, 5}, {6, 6}, {5, 6}})});
+  const zrArray<zrVec2> view = contours[0].Left(4);  // shares contour 0's block
   contours.InverseOrder();
-  EXPECT_EQ(view[2], zrVec2(1, 1));
-  EXPECT_EQ(view.GetPointer(), contours[1].GetPointer());
+  EXPECT_TRUE(view[2] == zrVec2(1, 1) && view.GetPointer() == contours[1].GetPointer());
 }
 
 }  // namespace
