@@ -87,7 +87,7 @@ TEST(BetaCurveTest, PassesThroughItsPointsAndHoldsItsEnds) {
   ExpectNear(BetaCurve(Points({V3(0, 0, 0), V3(2, 4, 6)}))(0.5), V3(1, 2, 3), 1e-14);
   EXPECT_TRUE(std::isnan(BetaCurve(1.0, 0.0)(0.5).X()));
   EXPECT_EQ(zr_test::BadParametersText([] { BetaCurve c(Points({V3(1, 2, 3)})); }),
-            std::string("Invalid parameters : ") + ZR_TEXT_SYSTEM_NOT_UNIQUE);
+            std::string("Invalid parameters : ") + zr::text::kSystemNotUnique);
 }
 
 TEST(BetaCurveTest, TangentsAndLength) {

@@ -78,7 +78,7 @@ TEST(Matrix3x3, ArithmeticCopyInverseAndTurns) {
   ExpectElements(MulCL(zrVec2(2, 3), zrVec2(4, 5)), {8, 10, 12, 15});
   ExpectElements(a * a.Inverse(), {1, 0, 0, 0, 1, 0, 0, 0, 1}, 1e-14);
   EXPECT_EQ(zr_test::BadParametersText([] { zrTMatrix3x3<double>(1.0).Inverse(); }),
-            kPrefix + ZR_TEXT_SYSTEM_NOT_UNIQUE);
+            kPrefix + zr::text::kSystemNotUnique);
 
   // Copy leaves row n and column n alone.
   const zrMatrix2x2 m(11, 12, 21, 22);

@@ -4,6 +4,7 @@
 #include <cmath>
 #include <cstring>
 #include <initializer_list>
+#include <type_traits>
 #include <vector>
 
 #include "support/test_support.h"
@@ -165,30 +166,63 @@ TEST(Vector, PerTypeRules) {
   EXPECT_EQ(Of<VP>({V3(3, 0, 1), V3(4, 2, 0)}).Norm(), V3(5, 2, 1));
 }
 
-TEST(OrientedVector, ProductsClassesAndArrays) {
-  zrColumnVector<double> c = Of<zrColumnVector<double>>({1, 2, 3});
-  zrLineVector<double> l = Of<zrLineVector<double>>({10, 20});
-  zrMatrix<double> outer = c * l;
-  EXPECT_TRUE(outer.ColumnLen() == 3 && outer.LineLen() == 2 && outer(2, 1) == 60);
-  EXPECT_EQ(Of<zrLineVector<double>>({1, 2, 3}) * c, 14);
-  zrVector<double>* made = static_cast<const zrVector<double>&>(c).NewVector();
-  EXPECT_EQ(made->IsColumn(), 1);
-  zrUsingNew::Delete(made);
+// What the two orientations share: their class (answers, NewVector, the class of every
+// result), T() viewing the same elements as the other one, fresh results, the length
+// check, and arrays that move them by handles and copy them by value.
+template <class V>
+class Oriented : public ::testing::Test {};
+using OrientedTypes = ::testing::Types<zrColumnVector<double>, zrLineVector<double>>;
+TYPED_TEST_SUITE(Oriented, OrientedTypes);
 
-  // Elements move inside an array by exchanging handles: a vector that views someone
+TYPED_TEST(Oriented, ClassViewsResultsAndArrays) {
+  using V = TypeParam;
+  const int column = std::is_same_v<V, zrColumnVector<double>> ? 1 : 0;
+  V v = Of<V>({1, 2, 3});
+  EXPECT_TRUE(v.IsColumn() == column && v.IsLine() == 1 - column);
+  zrVector<double>* made = static_cast<const zrVector<double>&>(v).NewVector();
+  EXPECT_TRUE(dynamic_cast<V*>(made) != nullptr);
+  zrUsingNew::Delete(made);
+  auto t = v.T();
+  EXPECT_TRUE(t.IsColumn() == 1 - column && t.GetPointer() == v.GetPointer());
+  t[1] = 20;
+  EXPECT_EQ(v[1], 20);
+
+  const V results[] = {v + 1.0, v - 1.0, v * 2.0, v / 2.0, v + v, v - V(v * 3.0)};
+  const D want[] = {{2, 21, 4}, {0, 19, 2}, {2, 40, 6}, {0.5, 10, 1.5}, {2, 40, 6}, {-2, -40, -6}};
+  for (int k = 0; k < 6; ++k) {
+    EXPECT_EQ(Values(results[k]), want[k]) << k;
+    EXPECT_NE(results[k].GetPointer(), v.GetPointer());
+  }
+  EXPECT_EQ(BadParametersText([&] { (void)(v - Of<V>({1})); }),
+            "Invalid parameters : different length.");
+
+  // Moving elements inside an array exchanges handles: a vector that views someone
   // else's storage stays a view and that storage is not written.
   zrVector<double> big = Of({1, 2, 3, 4});
-  zrSimpleArray<zrColumnVector<double>> points(2);
+  zrSimpleArray<V> points(2);
   points[0].Set(big, 2, 2);
-  points[1] = Of<zrColumnVector<double>>({7, 8});
+  points[1] = Of<V>({7, 8});
   points.InverseOrder();
   EXPECT_EQ(Values(big), (D{1, 2, 3, 4}));
   points[1][0] = 30;
   EXPECT_EQ(big[2], 30);
-
-  zrSimpleArray<zrColumnVector<double>> copy(points);  // copies values into new vectors
+  zrSimpleArray<V> copy(points);  // copies values into new vectors
   copy[1][1] = 40;
   EXPECT_EQ(big[3], 4);
+}
+
+TEST(OrientedVector, ProductsByOrientation) {
+  const zrColumnVector<double> c = Of<zrColumnVector<double>>({1, 2, 3});
+  const zrLineVector<double> l = Of<zrLineVector<double>>({10, 20});
+  const zrMatrix<double> outer = c * l;
+  EXPECT_TRUE(outer.ColumnLen() == 3 && outer.LineLen() == 2 && outer(2, 1) == 60);
+  EXPECT_EQ((zrColumnVector<double>() * l).LineLen(), 0);
+  EXPECT_EQ(Of<zrLineVector<double>>({1, 2, 3}) * c, 14);
+  EXPECT_EQ(Values(l * outer.T()), (D{500, 1000, 1500}));
+  EXPECT_EQ(Values(outer.T() * c), (D{140, 280}));
+  EXPECT_EQ(BadParametersText([&] { (void)(l * outer); }),
+            "Invalid parameters : different length.");
+  EXPECT_EQ(BadParametersText([&] { (void)(l * c); }), "Invalid parameters : different length.");
 }
 
 TEST(Vector, OverlappingSourcesAreReadBeforeTheyAreWritten) {
