@@ -247,6 +247,8 @@ class ZR_API zrMatrix : public zrPArray {
   // Fresh storage stored by rows for rows x cols >= 1 elements; the old block is released
   // after.
   void Fresh(int rows, int cols);
+  // The view's fields, the block aside.
+  void View(TT* first, int step_line, int step_column, int rows, int cols);
 
   TT* p_ = nullptr;      // element (0, 0); null for an empty matrix
   int step_line_ = 0;    // distance in elements from (i, j) to (i, j + 1)

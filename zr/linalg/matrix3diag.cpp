@@ -347,6 +347,16 @@ zrMatrix<TT> zrMatrix3Diag<TT>::operator*(const zrMatrix3Diag& b) const {
 }
 
 template <class TT>
+template <class F>
+TT zrMatrix3Diag<TT>::BandRow(int i, F at) const {
+  const int n = LineLen();
+  TT sum = i > 0 ? down_[i - 1] * at(i - 1) : TT(0);
+  sum = i > 0 ? sum + diag_[i] * at(i) : diag_[i] * at(i);
+  if (i < n - 1) sum = sum + up_[i] * at(i + 1);
+  return sum;
+}
+
+template <class TT>
 zrMatrix<TT> zrMatrix3Diag<TT>::operator*(const zrMatrix<TT>& m) const {
   CheckBands();
   const int n = LineLen();
@@ -354,12 +364,8 @@ zrMatrix<TT> zrMatrix3Diag<TT>::operator*(const zrMatrix<TT>& m) const {
   const int cols = m.LineLen();
   zrMatrix<TT> r(n, cols);
   for (int i = 0; i < n; ++i) {
-    for (int j = 0; j < cols; ++j) {
-      TT sum = i > 0 ? down_[i - 1] * m(i - 1, j) : TT(0);
-      sum = i > 0 ? sum + diag_[i] * m(i, j) : diag_[i] * m(i, j);
-      if (i < n - 1) sum = sum + up_[i] * m(i + 1, j);
-      r(i, j) = sum;
-    }
+    for (int j = 0; j < cols; ++j)
+      r(i, j) = BandRow(i, [&](int k) -> const TT& { return m(k, j); });
   }
   return r;
 }
@@ -370,12 +376,7 @@ zrColumnVector<TT> zrMatrix3Diag<TT>::operator*(const zrColumnVector<TT>& x) con
   const int n = LineLen();
   if (x.Len() != n) throw BadParameters("different length.");
   zrColumnVector<TT> r(n);
-  for (int i = 0; i < n; ++i) {
-    TT sum = i > 0 ? down_[i - 1] * x[i - 1] : TT(0);
-    sum = i > 0 ? sum + diag_[i] * x[i] : diag_[i] * x[i];
-    if (i < n - 1) sum = sum + up_[i] * x[i + 1];
-    r[i] = sum;
-  }
+  for (int i = 0; i < n; ++i) r[i] = BandRow(i, [&](int k) -> const TT& { return x[k]; });
   return r;
 }
 

@@ -178,9 +178,14 @@ void zrMatrix<TT>::Fresh(int rows, int cols) {
   void* const old = GetMem();
   InitMem(block);
   zrDeleteWithRef(static_cast<TT*>(old));
-  p_ = block;
-  step_line_ = 1;
-  step_column_ = cols;
+  View(block, 1, cols, rows, cols);
+}
+
+template <class TT>
+void zrMatrix<TT>::View(TT* first, int step_line, int step_column, int rows, int cols) {
+  p_ = first;
+  step_line_ = step_line;
+  step_column_ = step_column;
   cols_ = cols;
   rows_ = rows;
 }
@@ -214,11 +219,7 @@ void zrMatrix<TT>::Set(const zrMatrix& src, int row, int col, int rows, int cols
     throw BadParameters("zrMatrix<T>::Set : out of range.");
   TT* const first = src.p_ + offset;
   SetMem(src.GetMem());
-  p_ = first;
-  step_line_ = a;
-  step_column_ = c;
-  cols_ = cols;
-  rows_ = rows;
+  View(first, a, c, rows, cols);
 }
 
 template <class TT>
@@ -226,11 +227,7 @@ void zrMatrix<TT>::SetDirectly(TT* data, int rows, int cols, int stepInLine, int
   if (!zr::detail::MatrixFits(0, rows, cols, stepInLine, stepInColumn))
     throw BadParameters("zrMatrix<T>::SetDirectly : out of range.");
   SetMem(nullptr);
-  p_ = data;
-  step_line_ = stepInLine;
-  step_column_ = stepInColumn;
-  cols_ = cols;
-  rows_ = rows;
+  View(data, stepInLine, stepInColumn, rows, cols);
 }
 
 template <class TT>
@@ -246,19 +243,14 @@ void zrMatrix<TT>::Free() {
 template <class TT>
 void zrMatrix<TT>::Clear() {
   SetMem(nullptr);
-  p_ = nullptr;
-  step_line_ = step_column_ = cols_ = rows_ = 0;
+  View(nullptr, 0, 0, 0, 0);
 }
 
 template <class TT>
 void zrMatrix<TT>::Move(zrMatrix& src) {
   if (&src == this) return;
   SetMem(src.GetMem());
-  p_ = src.p_;
-  step_line_ = src.step_line_;
-  step_column_ = src.step_column_;
-  cols_ = src.cols_;
-  rows_ = src.rows_;
+  View(src.p_, src.step_line_, src.step_column_, src.rows_, src.cols_);
   src.Clear();
 }
 

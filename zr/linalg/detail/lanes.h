@@ -53,16 +53,20 @@ struct Portable {
 };
 
 #if ZR_X86_KERNELS
+// The operations both widths spell alike, each with its own intrinsics' prefix.
+#define ZR_DETAIL_LANES(Target, mm)                                               \
+  Target static void Load(V& v, const double* p) { v = mm##_loadu_pd(p); }        \
+  Target static void Store(double* p, const V& v) { mm##_storeu_pd(p, v); }       \
+  Target static void Set(V& v, double x) { v = mm##_set1_pd(x); }                 \
+  Target static void Mul(V& r, const V& a, const V& b) { r = mm##_mul_pd(a, b); } \
+  Target static void Add(V& r, const V& a, const V& b) { r = mm##_add_pd(a, b); } \
+  Target static void Sub(V& r, const V& a, const V& b) { r = mm##_sub_pd(a, b); } \
+  Target static void Div(V& r, const V& a, const V& b) { r = mm##_div_pd(a, b); }
+
 struct Avx2 {
   static constexpr int kLanes = 4;
   using V = __m256d;
-  ZR_TARGET_AVX2 static void Load(V& v, const double* p) { v = _mm256_loadu_pd(p); }
-  ZR_TARGET_AVX2 static void Store(double* p, const V& v) { _mm256_storeu_pd(p, v); }
-  ZR_TARGET_AVX2 static void Set(V& v, double x) { v = _mm256_set1_pd(x); }
-  ZR_TARGET_AVX2 static void Mul(V& r, const V& a, const V& b) { r = _mm256_mul_pd(a, b); }
-  ZR_TARGET_AVX2 static void Add(V& r, const V& a, const V& b) { r = _mm256_add_pd(a, b); }
-  ZR_TARGET_AVX2 static void Sub(V& r, const V& a, const V& b) { r = _mm256_sub_pd(a, b); }
-  ZR_TARGET_AVX2 static void Div(V& r, const V& a, const V& b) { r = _mm256_div_pd(a, b); }
+  ZR_DETAIL_LANES(ZR_TARGET_AVX2, _mm256)
   ZR_TARGET_AVX2 static void SetWhereNonZero(V& x, const V& l, const V& y) {
     x = _mm256_blendv_pd(x, y, _mm256_cmp_pd(l, _mm256_setzero_pd(), _CMP_NEQ_UQ));
   }
@@ -71,17 +75,12 @@ struct Avx2 {
 struct Avx512 {
   static constexpr int kLanes = 8;
   using V = __m512d;
-  ZR_TARGET_AVX512 static void Load(V& v, const double* p) { v = _mm512_loadu_pd(p); }
-  ZR_TARGET_AVX512 static void Store(double* p, const V& v) { _mm512_storeu_pd(p, v); }
-  ZR_TARGET_AVX512 static void Set(V& v, double x) { v = _mm512_set1_pd(x); }
-  ZR_TARGET_AVX512 static void Mul(V& r, const V& a, const V& b) { r = _mm512_mul_pd(a, b); }
-  ZR_TARGET_AVX512 static void Add(V& r, const V& a, const V& b) { r = _mm512_add_pd(a, b); }
-  ZR_TARGET_AVX512 static void Sub(V& r, const V& a, const V& b) { r = _mm512_sub_pd(a, b); }
-  ZR_TARGET_AVX512 static void Div(V& r, const V& a, const V& b) { r = _mm512_div_pd(a, b); }
+  ZR_DETAIL_LANES(ZR_TARGET_AVX512, _mm512)
   ZR_TARGET_AVX512 static void SetWhereNonZero(V& x, const V& l, const V& y) {
     x = _mm512_mask_blend_pd(_mm512_cmp_pd_mask(l, _mm512_setzero_pd(), _CMP_NEQ_UQ), x, y);
   }
 };
+#undef ZR_DETAIL_LANES
 #endif
 
 }  // namespace zr::detail

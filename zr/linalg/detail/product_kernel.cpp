@@ -52,26 +52,8 @@ struct Blocked {
     V b[kNV];
     V ai;
     V prod;
-    int p = 0;
-    if (first) {
-      ZR_UNROLL(4)
-      for (int v = 0; v < kNV; ++v) W::Load(b[v], pb + v * kWidth);
-      ZR_UNROLL(16)
-      for (int i = 0; i < kMR; ++i) {
-        W::Set(ai, pa[i]);
-        ZR_UNROLL(4)
-        for (int v = 0; v < kNV; ++v) W::Mul(acc[i][v], ai, b[v]);
-      }
-      p = 1;
-    } else {
-      ZR_UNROLL(16)
-      for (int i = 0; i < kMR; ++i) {
-        ZR_UNROLL(4)
-        for (int v = 0; v < kNV; ++v) W::Load(acc[i][v], c + i * ldc + v * kWidth);
-      }
-    }
-    ZR_UNROLL(2)
-    for (; p < kc; ++p) {
+    // One k step: the products start the sums (start) or are added to them.
+    const auto step = [&](int p, bool start) {
       const double* ap = pa + static_cast<long long>(p) * kMR;
       const double* bp = pb + static_cast<long long>(p) * kNR;
       ZR_UNROLL(4)
@@ -82,10 +64,25 @@ struct Blocked {
         ZR_UNROLL(4)
         for (int v = 0; v < kNV; ++v) {
           W::Mul(prod, ai, b[v]);
-          W::Add(acc[i][v], acc[i][v], prod);
+          if (start) {
+            acc[i][v] = prod;
+          } else {
+            W::Add(acc[i][v], acc[i][v], prod);
+          }
         }
       }
+    };
+    if (first) {
+      step(0, true);
+    } else {
+      ZR_UNROLL(16)
+      for (int i = 0; i < kMR; ++i) {
+        ZR_UNROLL(4)
+        for (int v = 0; v < kNV; ++v) W::Load(acc[i][v], c + i * ldc + v * kWidth);
+      }
     }
+    ZR_UNROLL(2)
+    for (int p = first ? 1 : 0; p < kc; ++p) step(p, false);
     ZR_UNROLL(16)
     for (int i = 0; i < kMR; ++i) {
       ZR_UNROLL(4)
