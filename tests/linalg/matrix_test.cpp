@@ -98,6 +98,12 @@ TEST(Matrix, ArithmeticAndProducts) {
   EXPECT_EQ(Values(a * a.T()), Values(a * Rows({{1, 4}, {2, 5}, {3, 6}})));
   EXPECT_EQ(Values(a * Of<Col>({1, 1, -1})), (D{0, 3}));
   EXPECT_EQ(Values(Of<zrLineVector<double>>({1, -1}) * a), (D{-3, -3, -3}));
+  // Column times line is the outer product (empty with an empty factor), line times
+  // column the scalar product.
+  EXPECT_EQ(Values(Of<Col>({1, 2}) * Of<zrLineVector<double>>({10, 20, 30})),
+            (D{10, 20, 30, 20, 40, 60}));
+  EXPECT_EQ((Col() * Of<zrLineVector<double>>({10})).LineLen(), 0);
+  EXPECT_EQ(Of<zrLineVector<double>>({1, 2}) * Of<Col>({3, 4}), 11);
   // Every sum of products starts from its first product: -0 stays -0; none gives +0.
   EXPECT_TRUE(std::signbit((Rows({{-0.0, -0.0}}) * Rows({{2}, {3}}))(0, 0)));
   double cell[2] = {1, 2};
@@ -130,6 +136,12 @@ TEST(Matrix, ArithmeticAndProducts) {
   EXPECT_EQ(BadParametersText([&] { (void)(a - b); }), kPrefix + "different size.");
   EXPECT_EQ(BadParametersText([&] { (void)(a * a); }), kPrefix + "different size.");
   EXPECT_EQ(BadParametersText([&] { (void)(a * Of<Col>({1})); }), kPrefix + "different length.");
+  EXPECT_EQ(BadParametersText([&] { (void)(Of<zrLineVector<double>>({1}) * a); }),
+            kPrefix + "different length.");
+  EXPECT_EQ(BadParametersText([&] {
+              (void)(Of<zrLineVector<double>>({1}) * Of<Col>({3, 4}));
+            }),
+            kPrefix + "different length.");
 }
 
 TEST(Matrix, DeterminantKeepsTheEliminationRules) {

@@ -194,20 +194,6 @@ TYPED_TEST(Oriented, ClassViewsResultsAndArrays) {
   EXPECT_EQ(big[3], 4);
 }
 
-TEST(OrientedVector, ProductsByOrientation) {
-  const zrColumnVector<double> c = Of<zrColumnVector<double>>({1, 2, 3});
-  const zrLineVector<double> l = Of<zrLineVector<double>>({10, 20});
-  const zrMatrix<double> outer = c * l;
-  EXPECT_TRUE(outer.ColumnLen() == 3 && outer.LineLen() == 2 && outer(2, 1) == 60);
-  EXPECT_EQ((zrColumnVector<double>() * l).LineLen(), 0);
-  EXPECT_EQ(Of<zrLineVector<double>>({1, 2, 3}) * c, 14);
-  EXPECT_EQ(Values(l * outer.T()), (D{500, 1000, 1500}));
-  EXPECT_EQ(Values(outer.T() * c), (D{140, 280}));
-  EXPECT_EQ(BadParametersText([&] { (void)(l * outer); }),
-            "Invalid parameters : different length.");
-  EXPECT_EQ(BadParametersText([&] { (void)(l * c); }), "Invalid parameters : different length.");
-}
-
 // A source that overlaps the target (windows of one block with one step, either way
 // round, with other steps, reversed) is taken as it stood, and written into the block in
 // place: a sharer sees the result. The element-wise operations follow the same rule.

@@ -12,32 +12,31 @@
 namespace zr::detail {
 namespace {
 
-// R rows x C vectors of a tile, read from and written back to rows that may end before
+// A row of C vectors of a tile, read from and written back to a row that may end before
 // the last vector does (w columns).
-template <class W, int R, int C>
-struct Tile {
-  static constexpr int kL = W::kLanes;
-  typename W::V v[R][C];
+template <class W, int C>
+void ReadRow(typename W::V (&v)[C], const double* p, int w) {
+  constexpr int L = W::kLanes;
+  if (w == C * L) {
+    for (int c = 0; c < C; ++c) W::Load(v[c], p + c * L);
+    return;
+  }
+  double t[C * L] = {};
+  std::memcpy(t, p, sizeof(double) * static_cast<unsigned>(w));
+  for (int c = 0; c < C; ++c) W::Load(v[c], t + c * L);
+}
 
-  void Read(int r, const double* p, int w) {
-    if (w == C * kL) {
-      for (int c = 0; c < C; ++c) W::Load(v[r][c], p + c * kL);
-    } else {
-      double t[C * kL] = {};
-      std::memcpy(t, p, sizeof(double) * static_cast<unsigned>(w));
-      for (int c = 0; c < C; ++c) W::Load(v[r][c], t + c * kL);
-    }
+template <class W, int C>
+void WriteRow(double* p, const typename W::V (&v)[C], int w) {
+  constexpr int L = W::kLanes;
+  if (w == C * L) {
+    for (int c = 0; c < C; ++c) W::Store(p + c * L, v[c]);
+    return;
   }
-  void Write(int r, double* p, int w) const {
-    if (w == C * kL) {
-      for (int c = 0; c < C; ++c) W::Store(p + c * kL, v[r][c]);
-    } else {
-      double t[C * kL];
-      for (int c = 0; c < C; ++c) W::Store(t + c * kL, v[r][c]);
-      std::memcpy(p, t, sizeof(double) * static_cast<unsigned>(w));
-    }
-  }
-};
+  double t[C * L];
+  for (int c = 0; c < C; ++c) W::Store(t + c * L, v[c]);
+  std::memcpy(p, t, sizeof(double) * static_cast<unsigned>(w));
+}
 
 // Forward steps on R rows: for k = 0 .. nk-1, x = lv[r][k] * x - u[k], u[k] = u + k * us
 // (u padded to whole vectors); w columns.
@@ -45,21 +44,20 @@ template <class W, int R, int C>
 void ForwardTile(const double* u, int us, int nk, int w, double* const* x,
                  const double* const* lv) {
   constexpr int L = W::kLanes;
-  typename W::V uv[C], s, scaled;
-  Tile<W, R, C> t;
-  for (int r = 0; r < R; ++r) t.Read(r, x[r], w);
+  typename W::V t[R][C], uv[C], s, scaled;
+  for (int r = 0; r < R; ++r) ReadRow<W, C>(t[r], x[r], w);
   for (int k = 0; k < nk; ++k) {
     const double* const uk = u + static_cast<long>(k) * us;
     for (int c = 0; c < C; ++c) W::Load(uv[c], uk + c * L);
     for (int r = 0; r < R; ++r) {
       W::Set(s, lv[r][k]);
       for (int c = 0; c < C; ++c) {
-        W::Mul(scaled, s, t.v[r][c]);
-        W::Sub(t.v[r][c], scaled, uv[c]);
+        W::Mul(scaled, s, t[r][c]);
+        W::Sub(t[r][c], scaled, uv[c]);
       }
     }
   }
-  for (int r = 0; r < R; ++r) t.Write(r, x[r], w);
+  for (int r = 0; r < R; ++r) WriteRow<W, C>(x[r], t[r], w);
 }
 
 // Back substitution of the inverse on rows i0 .. i0+R-1 of r, columns c0 .. c0+w-1: from
@@ -69,9 +67,8 @@ template <class W, int R, int C>
 void BackTile(int i0, int n, long step, double* const* a, double* const* e, double* r,
               double* strip, int sw, int c0, int w) {
   constexpr int L = W::kLanes;
-  typename W::V uv[C], s, prod;
-  Tile<W, R, C> t;
-  for (int q = 0; q < R; ++q) t.Read(q, e[i0 + q] + c0, w);
+  typename W::V t[R][C], uv[C], s, prod;
+  for (int q = 0; q < R; ++q) ReadRow<W, C>(t[q], e[i0 + q] + c0, w);
   for (int m = n - 1; m >= i0 + R; --m) {
     const double* const um = strip + static_cast<long>(m) * sw;
     for (int c = 0; c < C; ++c) W::Load(uv[c], um + c * L);
@@ -79,19 +76,19 @@ void BackTile(int i0, int n, long step, double* const* a, double* const* e, doub
       W::Set(s, a[i0 + q][m * step]);
       for (int c = 0; c < C; ++c) {
         W::Mul(prod, uv[c], s);
-        W::Sub(t.v[q][c], t.v[q][c], prod);
+        W::Sub(t[q][c], t[q][c], prod);
       }
     }
   }
   for (int d = R - 1; d >= 0; --d) {
     const int i = i0 + d;
-    t.Write(d, r + static_cast<long>(i) * n + c0, w);
-    for (int c = 0; c < C; ++c) W::Store(strip + static_cast<long>(i) * sw + c * L, t.v[d][c]);
+    WriteRow<W, C>(r + static_cast<long>(i) * n + c0, t[d], w);
+    for (int c = 0; c < C; ++c) W::Store(strip + static_cast<long>(i) * sw + c * L, t[d][c]);
     for (int q = 0; q < d; ++q) {
       W::Set(s, a[i0 + q][i * step]);
       for (int c = 0; c < C; ++c) {
-        W::Mul(prod, t.v[d][c], s);
-        W::Sub(t.v[q][c], t.v[q][c], prod);
+        W::Mul(prod, t[d][c], s);
+        W::Sub(t[q][c], t[q][c], prod);
       }
     }
   }
