@@ -1,17 +1,21 @@
 // Dense product, Gaussian solve, inverse and tridiagonal sweep in zr, each beside the
 // plain loop that computes the same numbers in the same order (the floor the library is
-// measured against). The peers' versions of the same cases live in linalg_eigen.cpp,
-// linalg_lapack.cpp and linalg_gsl.cpp. Arg: the order of the system.
+// measured against). The zr rows run at the highest kernel level this machine has, the
+// zr-plain rows pinned to the plain level (the class templates' own loops). The peers'
+// versions of the same cases live in linalg_eigen.cpp, linalg_lapack.cpp and
+// linalg_gsl.cpp. Arg: the order of the system.
 #include <benchmark/benchmark.h>
 
 #include <cstddef>
 #include <vector>
 
 #include "bench_data.h"
+#include "zr/core/detail/machine.h"
 #include "zr/zr.h"
 
 namespace {
 
+using zr::detail::Level;
 using zr_bench::MatrixEntry;
 
 zrMatrix<double> Square(int n, double diagonal) {
@@ -26,7 +30,8 @@ void Flops(benchmark::State& state, double perIteration) {
       perIteration * static_cast<double>(state.iterations()), benchmark::Counter::kIsRate);
 }
 
-void Product(benchmark::State& state) {
+void Product(benchmark::State& state, Level level) {
+  const zr::detail::LevelOverride pin(level);
   const int n = static_cast<int>(state.range(0));
   const zrMatrix<double> a = Square(n, 1.0);
   const zrMatrix<double> b = Square(n, 2.0);
@@ -70,7 +75,8 @@ void PlainProduct(benchmark::State& state) {
 }
 
 // The solver eliminates in place: each run gets a fresh copy, made outside the timing.
-void GaussSolve(benchmark::State& state) {
+void GaussSolve(benchmark::State& state, Level level) {
+  const zr::detail::LevelOverride pin(level);
   const int n = static_cast<int>(state.range(0));
   const zrMatrix<double> a = Square(n, zr_bench::SolveDiagonal(n));
   zrColumnVector<double> b0(n);
@@ -91,7 +97,8 @@ void GaussSolve(benchmark::State& state) {
 }
 
 // Inverse() works on a private copy; the copy is part of the call and of the timing.
-void Inverse(benchmark::State& state) {
+void Inverse(benchmark::State& state, Level level) {
+  const zr::detail::LevelOverride pin(level);
   const int n = static_cast<int>(state.range(0));
   const zrMatrix<double> a = Square(n, zr_bench::SolveDiagonal(n));
   zrMatrix<double> inv;
@@ -160,11 +167,16 @@ void PlainSweep(benchmark::State& state) {
 
 }  // namespace
 
-BENCHMARK(Product)
+BENCHMARK_CAPTURE(Product, best, Level::kAvx512)
     ->Name("product/zr")
     ->Arg(128)
     ->Arg(512)
     ->Arg(1024)
+    ->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(Product, plain, Level::kPlain)
+    ->Name("product/zr-plain")
+    ->Arg(128)
+    ->Arg(512)
     ->Unit(benchmark::kMillisecond);
 BENCHMARK(PlainProduct)
     ->Name("product/loop")
@@ -172,17 +184,27 @@ BENCHMARK(PlainProduct)
     ->Arg(512)
     ->Arg(1024)
     ->Unit(benchmark::kMillisecond);
-BENCHMARK(GaussSolve)
+BENCHMARK_CAPTURE(GaussSolve, best, Level::kAvx512)
     ->Name("gauss/zr")
     ->Arg(100)
     ->Arg(500)
     ->Arg(1000)
     ->Unit(benchmark::kMillisecond);
-BENCHMARK(Inverse)
+BENCHMARK_CAPTURE(GaussSolve, plain, Level::kPlain)
+    ->Name("gauss/zr-plain")
+    ->Arg(100)
+    ->Arg(500)
+    ->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(Inverse, best, Level::kAvx512)
     ->Name("inverse/zr")
     ->Arg(100)
     ->Arg(500)
     ->Arg(1000)
+    ->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(Inverse, plain, Level::kPlain)
+    ->Name("inverse/zr-plain")
+    ->Arg(100)
+    ->Arg(500)
     ->Unit(benchmark::kMillisecond);
 BENCHMARK(Sweep)->Name("sweep/zr")->Arg(1000)->Arg(1000000)->Unit(benchmark::kMicrosecond);
 BENCHMARK(PlainSweep)->Name("sweep/loop")->Arg(1000)->Arg(1000000)->Unit(benchmark::kMicrosecond);

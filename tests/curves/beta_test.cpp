@@ -94,7 +94,7 @@ TEST(BetaCurveTest, EndsTangentsSmallCurvesLengthRebuildAndCrossection) {
   EXPECT_EQ(zr_test::BadParametersText([] {
               BetaCurve(Of<Points>({{1, 2, 3}}));
             }),
-            std::string("Invalid parameters : ") + ZR_TEXT_SYSTEM_NOT_UNIQUE);
+            std::string("Invalid parameters : ") + zr::text::kSystemNotUnique);
 
   // Collinear, equally spaced points give the curve 2t along x.
   BetaCurve line(Of<Points>({{0, 0, 0}, {1, 0, 0}, {2, 0, 0}}));

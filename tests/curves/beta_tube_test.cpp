@@ -87,7 +87,7 @@ TEST(BetaTubeTest, ContoursAreResampledAndAlignedAndCopiesOwnTheirNets) {
   EXPECT_TRUE(empty.GetRowNumber() == 0 && std::isnan(empty(0.5, 0.5).Z()));
   // One row along: the open system is singular.
   EXPECT_EQ(zr_test::BadParametersText([] { BetaTube t(Net(1, 5)); }),
-            std::string("Invalid parameters : ") + ZR_TEXT_SYSTEM_NOT_UNIQUE);
+            std::string("Invalid parameters : ") + zr::text::kSystemNotUnique);
 }
 
 }  // namespace

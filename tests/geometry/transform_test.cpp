@@ -35,7 +35,7 @@ struct Space {
   static void QuarterTurn(T& t) { t.AddTurn(kPi / 2, V3(0, 0, 5)); }  // about z
   static constexpr double kSwapXY[] = {0, 1, 0, 1, 0, 0, 0, 0, 1};
   static constexpr double kFlat[] = {0, 3, 0, 2, 0, 0, 0, 0, 4, 3, 2, 4};
-  static constexpr const char* kSingular = ZR_TEXT_SYSTEM_NOT_UNIQUE;
+  static constexpr const char* kSingular = zr::text::kSystemNotUnique;
 };
 
 template <class P>

@@ -2,11 +2,12 @@
 
 #include <cstring>
 #include <functional>
-#include <random>
 #include <string>
 #include <utility>
 #include <vector>
 
+#include "support/levels.h"
+#include "support/linalg_values.h"
 #include "support/test_support.h"
 #include "zr/linalg/linalg.h"
 
@@ -14,36 +15,13 @@ namespace {
 
 using M3 = zrMatrix3Diag<double>;
 using Col = zrColumnVector<double>;
-using Dense = std::vector<std::vector<double>>;
+using Dense = zrMatrix<double>;
+using zr_test::Values;
 
-// Gaussian elimination, the reference the solvers are held to (the matrices here are
-// diagonally dominant, so it needs no pivoting).
-std::vector<double> DenseSolve(Dense a, std::vector<double> b) {
-  const int n = static_cast<int>(b.size());
-  for (int k = 0; k < n; ++k) {
-    for (int i = k + 1; i < n; ++i) {
-      const double l = a[i][k] / a[k][k];
-      for (int j = k; j < n; ++j) a[i][j] -= l * a[k][j];
-      b[i] -= l * b[k];
-    }
-  }
-  for (int i = n - 1; i >= 0; --i) {
-    for (int j = i + 1; j < n; ++j) b[i] -= a[i][j] * b[j];
-    b[i] /= a[i][i];
-  }
-  return b;
-}
-
-void ExpectSolves(const Dense& a, const Col& b, const Col& x) {
-  const std::vector<double> want = DenseSolve(a, std::vector<double>(b.begin(), b.end()));
-  ASSERT_EQ(x.Len(), static_cast<int>(want.size()));
-  for (int i = 0; i < x.Len(); ++i) EXPECT_NEAR(x[i], want[i], 1e-12) << "x[" << i << "]";
-}
-
+// Values of mixed sign and magnitude from a counter, so that every call gives new ones.
 double R() {
-  static std::mt19937 gen(1);
-  static std::uniform_real_distribution<double> u(-1, 1);
-  return u(gen);
+  static std::uint64_t seed = 0;
+  return zr_test::Mixed(1, ++seed)[0] / 4;
 }
 Col RVec(int n) {
   Col v(n);
@@ -58,28 +36,17 @@ M3 Tri(int n) {
   return a;
 }
 
-// The dense form of a, plus up2 and down2 when given, plus the six corners (0, n-2),
-// (0, n-1), (1, n-1), (n-2, 0), (n-1, 0), (n-1, 1) when given.
-Dense ToDense(const M3& a, const zrVector<double>* up2 = nullptr,
-              const zrVector<double>* down2 = nullptr, const double* c = nullptr) {
-  const int n = a.LineLen();
-  const zrMatrix<double> m = a.GetMatrix();
-  Dense d(n, std::vector<double>(n));
-  for (int i = 0; i < n; ++i)
-    for (int j = 0; j < n; ++j) d[i][j] = m(i, j);
-  for (int i = 0; up2 && i + 2 < n; ++i) d[i][i + 2] = (*up2)[i], d[i + 2][i] = (*down2)[i];
-  if (c) {
-    d[0][n - 2] = c[0], d[0][n - 1] = c[1], d[1][n - 1] = c[2];
-    d[n - 2][0] = c[3], d[n - 1][0] = c[4], d[n - 1][1] = c[5];
-  }
-  return d;
+// x solves the dense system d x = b: its residual is at rounding level.
+void ExpectSolves(const Dense& d, const Col& b, const Col& x) {
+  const Col r = d * x;
+  ASSERT_EQ(x.Len(), b.Len());
+  for (int i = 0; i < x.Len(); ++i) EXPECT_NEAR(r[i], b[i], 1e-14) << "row " << i;
 }
 
 TEST(Matrix3Diag, ViewsArithmeticAndFlatForm) {
   // The band of a dense 3 x 4 matrix and of its transpose (other steps) writes through.
-  zrMatrix<double> m(3, 4);
-  for (int i = 0; i < 3; ++i)
-    for (int j = 0; j < 4; ++j) m(i, j) = 10 * i + j;
+  Dense m(3, 4);
+  for (int i = 0; i < 12; ++i) m.GetPointer()[i] = i;
   M3 v(m);
   v(0, 1) = -1;
   EXPECT_EQ(M3(m.T())(1, 0), -1);
@@ -92,8 +59,7 @@ TEST(Matrix3Diag, ViewsArithmeticAndFlatForm) {
   M3 copy(v), t = v.T();
   copy(1, 1) = 100;
   t(0, 1) = 200;  // the transpose's Up is this Down
-  EXPECT_EQ(m(1, 1), 100);
-  EXPECT_EQ(m(1, 0), 200);
+  EXPECT_TRUE(m(1, 1) == 100 && m(1, 0) == 200);
   copy.Copy();
   copy(1, 1) = 0;
   EXPECT_EQ(m(1, 1), 100);
@@ -104,20 +70,16 @@ TEST(Matrix3Diag, ViewsArithmeticAndFlatForm) {
   win(1, 0) = 9;
   EXPECT_EQ(big(2, 1), 9);
 
+  // Band products skip only structural zeros, so they equal the dense ones exactly.
   const M3 a = Tri(5), b = Tri(5);
-  const zrMatrix<double> da = a.GetMatrix(), db = b.GetMatrix();
-  // Band sums skip only structural zeros, so they equal the dense sums exactly.
-  const auto same = [](const zrMatrix<double>& got, const zrMatrix<double>& want) {
-    ASSERT_TRUE(got.ColumnLen() == want.ColumnLen() && got.LineLen() == want.LineLen());
-    for (int i = 0; i < got.ColumnLen(); ++i)
-      for (int j = 0; j < got.LineLen(); ++j) EXPECT_EQ(got(i, j), want(i, j)) << i << "," << j;
-  };
-  same(a * b, da * db);
-  const Col x = RVec(5), ax = a * x, dax = da * x;
-  for (int i = 0; i < 5; ++i) EXPECT_EQ(ax[i], dax[i]);
-  same((a + b).GetMatrix(), da + db);
-  // The scalar results are fresh.
-  M3 c = a + 1.0;
+  const Dense da = a.GetMatrix(), db = b.GetMatrix();
+  EXPECT_EQ(Values(a * b), Values(da * db));
+  EXPECT_EQ(Values(a * db), Values(da * db));
+  const Col x = RVec(5);
+  EXPECT_EQ(Values(a * x), Values(da * x));
+  EXPECT_EQ(Values((a + b).GetMatrix()), Values(da + db));
+  EXPECT_EQ(Values(a - db), Values(da - db));
+  M3 c = a + 1.0;  // scalar results are fresh
   c(0, 0) = 1e9;
   EXPECT_NE(a(0, 0), 1e9);
 
@@ -140,36 +102,14 @@ TEST(Matrix3Diag, SolversMatchDense) {
     const M3 a = Tri(n);
     const Col b = RVec(n);
     a.SolveEquationChaserMethod(x, b);
-    ExpectSolves(ToDense(a), b, x);
+    ExpectSolves(a.GetMatrix(), b, x);
     if (n < 3) continue;
-    const double corners[2] = {R(), R()};
-    a.SolveEquationCycleChaserMethod(y, b, corners[0], corners[1]);
-    Dense d = ToDense(a);
-    d[0][n - 1] = corners[0], d[n - 1][0] = corners[1];
+    const double top = R(), bottom = R();
+    a.SolveEquationCycleChaserMethod(y, b, top, bottom);
+    Dense d = a.GetMatrix();
+    d(0, n - 1) = top, d(n - 1, 0) = bottom;
     ExpectSolves(d, b, y);
   }
-
-  // x may be b itself, or a window, which is written through; many right-hand sides are
-  // solved column by column to the same bits.
-  const M3 a6 = Tri(6);
-  const Col b6 = RVec(6);
-  a6.SolveEquationChaserMethod(x, b6);
-  Col in_place(b6), column;
-  in_place.Copy();
-  a6.SolveEquationChaserMethod(in_place, in_place);
-  for (int i = 0; i < 6; ++i) EXPECT_EQ(zr_test::Bits(in_place[i]), zr_test::Bits(x[i]));
-  zrMatrix<double> B(6, 3), X(2, 2);
-  B.Fill(0.25);
-  B.GetColumn(column, 1);
-  a6.SolveEquationChaserMethod(column, b6);
-  EXPECT_EQ(B(5, 1), x[5]);
-  a6.SolveEquationChaserMethod(X, B);
-  Col b2, x2;
-  B.GetColumn(b2, 2);
-  X.GetColumn(x2, 2);
-  a6.SolveEquationChaserMethod(x, b2);
-  for (int i = 0; i < 6; ++i) EXPECT_EQ(zr_test::Bits(x2[i]), zr_test::Bits(x[i]));
-
   for (int n : {3, 4, 5, 6, 9, 40}) {
     const M3 a = Tri(n);
     const Col b = RVec(n);
@@ -178,78 +118,123 @@ TEST(Matrix3Diag, SolversMatchDense) {
     zrVector<double> up2;
     up2.Set(store, 0, n - 2, 2);
     a.SolveEquationFactorizeMethod(up2, down2, x, b);
-    ExpectSolves(ToDense(a, &up2, &down2), b, x);
+    Dense d = a.GetMatrix();
+    for (int i = 0; i + 2 < n; ++i) d(i, i + 2) = up2[i], d(i + 2, i) = down2[i];
+    ExpectSolves(d, b, x);
     if (n < 5) continue;
     const double c[6] = {R(), R(), R(), R(), R(), R()};
     a.SolveEquationCycleFactorizeMethod(up2, down2, c[0], c[1], c[2], c[3], c[4], c[5], y, b);
-    ExpectSolves(ToDense(a, &up2, &down2, c), b, y);
+    d(0, n - 2) = c[0], d(0, n - 1) = c[1], d(1, n - 1) = c[2];
+    d(n - 2, 0) = c[3], d(n - 1, 0) = c[4], d(n - 1, 1) = c[5];
+    ExpectSolves(d, b, y);
   }
 }
 
+// The sweeps of several right-hand sides at once and of the cyclic system's two columns
+// give every level the plain level's bits; every place the solution may be gives the
+// bits of a fresh one: a vector of the right size, the right-hand side itself, storage
+// the bands share (which must not hold the sweep's intermediate values).
+TEST(Matrix3Diag, SweepsAgreeAtEveryLevelAndWherePlaced) {
+  for (const int n : {2, 3, 4, 5, 9, 17, 100, 1001}) {
+    const M3 a = Tri(n);
+    const Col b = RVec(n);
+    Col fresh, sized(n), same(b);
+    a.SolveEquationChaserMethod(fresh, b);
+    same.Copy();
+    a.SolveEquationChaserMethod(sized, b);
+    a.SolveEquationChaserMethod(same, same);
+    EXPECT_TRUE(Values(sized) == Values(fresh) && Values(same) == Values(fresh)) << n;
+    // x one element on from a band, in its block (or viewing it without holding it):
+    // each band is read after x's element beside it would be written, so x must wait for
+    // the back pass, which reads no band.
+    for (int k = 0; k < 4; ++k) {
+      M3 c = a;
+      c.Copy();
+      zrVector<double>& band = k == 0 ? c.Up() : k == 1 ? c.Diag() : c.Down();
+      const zrVector<double> values(band);
+      zrVector<double> store(n + 1);
+      band.Set(store, 0, band.Len());
+      band = values;
+      Col x;
+      if (k < 3) x.Set(store, 1, n);
+      if (k == 3) x.SetDirectly(store.GetPointer() + 1, n, 1);
+      c.SolveEquationChaserMethod(x, b);
+      EXPECT_EQ(Values(x), Values(fresh)) << n << " band " << k;
+    }
+
+    for (const int cols : {1, 3, 4, 5, 9}) {
+      Dense B(n, cols);
+      for (int j = 0; j < cols; ++j)
+        for (int i = 0; i < n; ++i) B(i, j) = R();
+      zr_test::ExpectLevelsAgree([&] {
+        Dense X, in_place(B);
+        in_place.Copy();
+        a.SolveEquationChaserMethod(X, B);
+        a.SolveEquationChaserMethod(in_place, in_place);
+        EXPECT_EQ(Values(in_place), Values(X));
+        return Values(X);
+      });
+    }
+    if (n < 3) continue;
+    zr_test::ExpectLevelsAgree([&] {
+      Col x, in_place(b);
+      in_place.Copy();
+      a.SolveEquationCycleChaserMethod(x, b, 0.375, -0.625);
+      a.SolveEquationCycleChaserMethod(in_place, in_place, 0.375, -0.625);
+      EXPECT_EQ(Values(in_place), Values(x));
+      return Values(x);
+    });
+  }
+}
+
+// Every refusal with its text, and nothing changed by it. The diagonals can be edited
+// into lengths that do not fit, and the unchecked reader takes what it reads: everything
+// that walks the band refuses such a matrix.
 TEST(Matrix3Diag, Errors) {
-  const M3 a2 = Tri(2), a4 = Tri(4), a5 = Tri(5);
-  Col x;
-  zrMatrix<double> X(2, 2);
-  double* const before = X.GetPointer();
-  const zrVector<double> none, two(2);
   const std::string size = "different size.", len = "different length.",
-                    range = "zrMatrix3Diag: out of range", small = "invalid size : size < 3.";
+                    range = "zrMatrix3Diag: out of range", small = "invalid size : size < 3.",
+                    bad = "zrMatrix3Diag: diagonals of inconsistent lengths";
+  const M3 a2 = Tri(2), a4 = Tri(4), a5 = Tri(5);
+  M3 edited = Tri(4), wrong = Tri(3), read;
+  edited.Up().ReSet(2);
+  wrong.Diag().ReSet(2);  // Up and Down of two for a Diag of two
+  std::vector<unsigned char> form(static_cast<std::size_t>(wrong.MemSize()));
+  wrong.ToMem(form.data());
+  read.FromMem(form.data());
+  Col x(4), three(3), two(2), none;
+  x.Fill(7);
+  Dense X(2, 2);
+  double* const before = X.GetPointer();
+  const Col b = RVec(4);
   const std::pair<std::function<void()>, std::string> cases[] = {
       {[&] { M3().Set(a4, 2, 3); }, range},
       {[&] { a4* Col(3); }, len},
-      {[&] { a4.SolveEquationChaserMethod(X, zrMatrix<double>(3, 2)); }, size},
-      // b's length is checked before the size.
-      {[&] { a2.SolveEquationFactorizeMethod(none, none, x, Col(3)); }, size},
+      {[&] { a4.SolveEquationChaserMethod(X, Dense(3, 2)); }, size},
+      {[&] { a2.SolveEquationFactorizeMethod(none, none, x, Col(3)); }, size},  // b first
       {[&] { a2.SolveEquationFactorizeMethod(none, none, x, Col(2)); }, small},
       {[&] { a5.SolveEquationCycleFactorizeMethod(two, two, 1, 1, 1, 1, 1, 1, x, Col(5)); }, size},
       // The leading block of n - 2 rows must have three.
       {[&] { a4.SolveEquationCycleFactorizeMethod(two, two, 1, 1, 1, 1, 1, 1, x, Col(4)); }, small},
+      {[&] { (void)M3(three, three, two); }, bad},
+      {[&] { (void)M3(two, three, three); }, bad},
+      {[&] { (void)M3(two, Col(1), none); }, bad},
+      {[&] { edited.SolveEquationChaserMethod(x, b); }, bad},
+      {[&] { edited.SolveEquationChaserMethod(X, Dense(4, 1)); }, bad},
+      {[&] { edited.SolveEquationCycleChaserMethod(x, b, 1, 1); }, bad},
+      {[&] { edited.SolveEquationFactorizeMethod(two, two, x, b); }, bad},
+      {[&] { (void)(edited * b); }, bad},
+      {[&] { (void)(Tri(4) * edited); }, bad},
+      {[&] { (void)edited.GetMatrix(); }, bad},
+      {[&] { (void)edited.T(); }, bad},
+      {[&] { read.SolveEquationChaserMethod(x, b); }, bad},
   };
   for (const auto& c : cases)
     EXPECT_EQ(zr_test::BadParametersText(c.first), "Invalid parameters : " + c.second);
-  EXPECT_EQ(X.GetPointer(), before);  // untouched by the refused many-sided solve
-  EXPECT_EQ(x.Len(), 0);
-}
-
-TEST(Matrix3Diag, DiagonalsOfInconsistentLengthsAreRefused) {
-  const std::string bad = "Invalid parameters : zrMatrix3Diag: diagonals of inconsistent lengths";
-  const Col three(3), two(2), none;
-  EXPECT_EQ(zr_test::BadParametersText([&] { (void)M3(three, three, two); }), bad);
-  EXPECT_EQ(zr_test::BadParametersText([&] { (void)M3(two, three, three); }), bad);
-  EXPECT_EQ(zr_test::BadParametersText([&] { (void)M3(two, Col(1), none); }), bad);
+  EXPECT_TRUE(X.GetPointer() == before && x.Len() == 4 && x[3] == 7);
   EXPECT_EQ(three.GetNumOfRef(), 0);  // nothing was shared
   EXPECT_EQ(M3(two, three, two).LineLen(), 3);
   EXPECT_EQ(M3(none, Col(1), none).LineLen(), 1);
   EXPECT_EQ(M3(none, none, none).LineLen(), 0);
-
-  // The diagonals can still be edited, and the unchecked reader takes what it reads:
-  // the operations that walk the band refuse such a matrix and change nothing.
-  M3 a = Tri(4);
-  a.Up().ReSet(2);
-  Col x(4);
-  x.Fill(7);
-  const Col b = RVec(4);
-  zrMatrix<double> X;
-  const std::pair<std::function<void()>, std::string> cases[] = {
-      {[&] { a.SolveEquationChaserMethod(x, b); }, bad},
-      {[&] { a.SolveEquationChaserMethod(X, zrMatrix<double>(4, 1)); }, bad},
-      {[&] { a.SolveEquationCycleChaserMethod(x, b, 1, 1); }, bad},
-      {[&] { a.SolveEquationFactorizeMethod(Col(2), Col(2), x, b); }, bad},
-      {[&] { (void)(a * b); }, bad},
-      {[&] { (void)(Tri(4) * a); }, bad},
-      {[&] { (void)a.GetMatrix(); }, bad},
-      {[&] { (void)a.T(); }, bad},
-  };
-  for (const auto& c : cases) EXPECT_EQ(zr_test::BadParametersText(c.first), c.second);
-  EXPECT_TRUE(x.Len() == 4 && x[3] == 7 && X.ColumnLen() == 0);
-
-  M3 wrong = Tri(3);
-  wrong.Diag().ReSet(2);  // Up and Down of two for a Diag of two
-  std::vector<unsigned char> form(static_cast<std::size_t>(wrong.MemSize()));
-  wrong.ToMem(form.data());
-  M3 read;
-  read.FromMem(form.data());
-  EXPECT_EQ(zr_test::BadParametersText([&] { read.SolveEquationChaserMethod(x, b); }), bad);
 }
 
 }  // namespace

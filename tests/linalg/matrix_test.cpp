@@ -1,51 +1,26 @@
 #include <gtest/gtest.h>
 
 #include <climits>
+#include <cmath>
 #include <cstring>
-#include <initializer_list>
 #include <string>
-#include <type_traits>
 #include <vector>
 
+#include "support/linalg_values.h"
 #include "support/test_support.h"
 #include "zr/linalg/linalg.h"
 
 namespace {
 
 using zr_test::BadParametersText;
+using zr_test::Of;
+using zr_test::Rows;
+using zr_test::Values;
 using M = zrMatrix<double>;
+using Col = zrColumnVector<double>;
 using C = zrComplex;
 using V3 = zrTVec3<double>;
 using D = std::vector<double>;
-
-// common_type_t keeps TT out of deduction, so that Rows({{1, 2}}) is a double matrix.
-template <class TT = double>
-zrMatrix<TT> Rows(std::initializer_list<std::initializer_list<std::common_type_t<TT>>> rows) {
-  zrMatrix<TT> m(static_cast<int>(rows.size()), static_cast<int>(rows.begin()->size()));
-  int i = 0;
-  for (const auto& row : rows) {
-    int j = 0;
-    for (const TT& x : row) m(i, j++) = x;
-    ++i;
-  }
-  return m;
-}
-
-template <class TT>
-std::vector<TT> Elements(const zrMatrix<TT>& m) {
-  std::vector<TT> r;
-  for (int i = 0; i < m.ColumnLen(); ++i)
-    for (int j = 0; j < m.LineLen(); ++j) r.push_back(m(i, j));
-  return r;
-}
-
-template <class TT = double>
-zrColumnVector<TT> Column(std::initializer_list<std::common_type_t<TT>> xs) {
-  zrColumnVector<TT> v(static_cast<int>(xs.size()));
-  int i = 0;
-  for (const TT& x : xs) v[i++] = x;
-  return v;
-}
 
 // The Windows-1251 bytes of a Russian text written in UTF-8 (А..я map to C0..FF).
 std::string Cp1251(const std::string& utf8) {
@@ -65,6 +40,7 @@ std::string SolveText(zrMatrix<TT> a, zrColumnVector<TT> rhs, zrColumnVector<TT>
 
 const std::string kPrefix = "Invalid parameters : ";
 const std::string kNotUnique = kPrefix + Cp1251("Система имеет не единственное решение.");
+const std::string kInconsistent = kPrefix + Cp1251("Система не совместна.");
 
 }  // namespace
 
@@ -78,17 +54,17 @@ TEST(Matrix, ViewsShareAndAssignmentCopiesValues) {
   M sub;
   sub.Set(m, 0, 1, 2, 2);
   zrLineVector<double> line;
-  zrColumnVector<double> column;
+  Col column;
   sub.GetLine(line, 1);
   t.GetColumn(column, 0);  // row 0 of m, read through the transpose's step
   line[0] = 50;
   column[2] = 30;
-  EXPECT_EQ(Elements(m), (D{1, 2, 30, 4, 50, 60}));
+  EXPECT_EQ(Values(m), (D{1, 2, 30, 4, 50, 60}));
   EXPECT_EQ(m.GetNumOfRef(), 4);
 
   M sharer(m);
   sub = Rows({{7, 8}, {9, 10}});  // equal size: written into m, seen by every sharer
-  EXPECT_EQ(Elements(sharer), (D{1, 7, 8, 4, 9, 10}));
+  EXPECT_EQ(Values(sharer), (D{1, 7, 8, 4, 9, 10}));
   sub = Rows({{1}});  // another size: fresh storage
   EXPECT_EQ(sharer(0, 1), 7);
 
@@ -100,26 +76,72 @@ TEST(Matrix, ViewsShareAndAssignmentCopiesValues) {
   // The lenient in-place forms re-create the target and keep no old contents.
   M target(m);
   target -= Rows({{1}, {2}, {3}});
-  EXPECT_EQ(Elements(target), (D{-1, -2, -3}));
+  EXPECT_EQ(Values(target), (D{-1, -2, -3}));
+  target += Rows({{1, 2}});
+  EXPECT_EQ(Values(target), (D{1, 2}));
   EXPECT_EQ(m(1, 2), 10);
+
+  // SelfTMulSelf into a matrix of another size gives it storage of its own, stored by
+  // rows; into one of its size it writes in place.
+  M a = Rows({{1, 2}, {3, 4}, {5, 6}}), out(a), same(2, 2), seen(same);
+  a.SelfTMulSelf(out);
+  EXPECT_TRUE(out.TabInColumn() == 2 && a.GetNumOfRef() == 0 && Values(out) == (D{35, 44, 44, 56}));
+  a.SelfTMulSelf(same);
+  EXPECT_EQ(Values(seen), (D{35, 44, 44, 56}));
 }
 
 TEST(Matrix, ArithmeticAndProducts) {
   M a = Rows({{1, 2, 3}, {4, 5, 6}});
   M b = Rows({{1, 0}, {2, 1}, {0, 3}});
-  EXPECT_EQ(Elements(a * b), (D{5, 11, 14, 23}));
+  EXPECT_EQ(Values(a * b), (D{5, 11, 14, 23}));
   // A strided operand gives the same product as a stored one.
-  EXPECT_EQ(Elements(a * a.T()), Elements(a * Rows({{1, 4}, {2, 5}, {3, 6}})));
-  EXPECT_EQ((a * Column({1, 1, 1}))[1], 15);
-  zrLineVector<double> l = Column({1, -1}).T();
-  EXPECT_EQ((l * a)[2], -3);
+  EXPECT_EQ(Values(a * a.T()), Values(a * Rows({{1, 4}, {2, 5}, {3, 6}})));
+  EXPECT_EQ(Values(a * Of<Col>({1, 1, -1})), (D{0, 3}));
+  EXPECT_EQ(Values(Of<zrLineVector<double>>({1, -1}) * a), (D{-3, -3, -3}));
+  // Column times line is the outer product (empty with an empty factor), line times
+  // column the scalar product.
+  EXPECT_EQ(Values(Of<Col>({1, 2}) * Of<zrLineVector<double>>({10, 20, 30})),
+            (D{10, 20, 30, 20, 40, 60}));
+  EXPECT_EQ((Col() * Of<zrLineVector<double>>({10})).LineLen(), 0);
+  EXPECT_EQ(Of<zrLineVector<double>>({1, 2}) * Of<Col>({3, 4}), 11);
+  // Every sum of products starts from its first product: -0 stays -0; none gives +0.
+  EXPECT_TRUE(std::signbit((Rows({{-0.0, -0.0}}) * Rows({{2}, {3}}))(0, 0)));
+  double cell[2] = {1, 2};
+  M no_columns, no_rows, z;
+  no_columns.SetDirectly(cell, 2, 0, 1, 1);
+  no_rows.SetDirectly(cell, 0, 2, 1, 1);
+  no_rows.SelfTMulSelf(z);
+  EXPECT_TRUE(Values(no_columns * no_rows) == (D{0, 0, 0, 0}) && Values(z) == (D{0, 0, 0, 0}));
 
   M self = Rows({{1, 2}, {3, 4}});
   self.SelfTMulSelf(self);  // into itself
-  EXPECT_EQ(Elements(self), (D{10, 14, 14, 20}));
+  EXPECT_EQ(Values(self), (D{10, 14, 14, 20}));
+
+  const M s = Rows({{1, -2}});
+  EXPECT_EQ(Values(s + 1.0), (D{2, -1}));
+  EXPECT_EQ(Values(s - 1.0), (D{0, -3}));
+  EXPECT_EQ(Values(s * 3.0), (D{3, -6}));
+  EXPECT_EQ(Values(s / 4.0), (D{0.25, -0.5}));
+  EXPECT_EQ(Values(-s), (D{-1, 2}));
+  EXPECT_EQ(Values(s + s - Rows({{3, 3}})), (D{-1, -7}));
+  M c(s);
+  c.Copy();
+  ((((c *= 2.0) += 1.0) -= 4.0) /= 2.0);
+  EXPECT_EQ(Values(c), (D{-0.5, -3.5}));
+  M e(2, 3);
+  e.SetE();
+  EXPECT_EQ(Values(e), (D{1, 0, 0, 0, 1, 0}));
 
   EXPECT_EQ(BadParametersText([&] { (void)(a + b); }), kPrefix + "different size.");
-  EXPECT_EQ(BadParametersText([&] { (void)(l * b); }), kPrefix + "different length.");
+  EXPECT_EQ(BadParametersText([&] { (void)(a - b); }), kPrefix + "different size.");
+  EXPECT_EQ(BadParametersText([&] { (void)(a * a); }), kPrefix + "different size.");
+  EXPECT_EQ(BadParametersText([&] { (void)(a * Of<Col>({1})); }), kPrefix + "different length.");
+  EXPECT_EQ(BadParametersText([&] { (void)(Of<zrLineVector<double>>({1}) * a); }),
+            kPrefix + "different length.");
+  EXPECT_EQ(BadParametersText([&] {
+              (void)(Of<zrLineVector<double>>({1}) * Of<Col>({3, 4}));
+            }),
+            kPrefix + "different length.");
 }
 
 TEST(Matrix, DeterminantKeepsTheEliminationRules) {
@@ -137,35 +159,34 @@ TEST(Matrix, DeterminantKeepsTheEliminationRules) {
 
 TEST(Matrix, GaussSolverAndInverse) {
   M a = Rows({{1, 2}, {3, 4}});
-  zrColumnVector<double> b = Column({5, 6});
-  zrColumnVector<double> x;
+  Col b = Of<Col>({5, 6}), x;
   a.SolveEquationGaussMethod(x, b);
   EXPECT_DOUBLE_EQ(x[0], -4);
   EXPECT_DOUBLE_EQ(x[1], 4.5);
   // The rows stay in their places: row 1 was the pivot, normalised by 1/3 past column 0.
-  EXPECT_EQ(Elements(a), (D{1, 1.0 / 1 * 2 - 4 * (1.0 / 3), 3, 4 * (1.0 / 3)}));
+  EXPECT_EQ(Values(a), (D{1, 1.0 / 1 * 2 - 4 * (1.0 / 3), 3, 4 * (1.0 / 3)}));
   EXPECT_EQ(b[1], 6 * (1.0 / 3));
 
-  zrColumnVector<double> keep = Column({9, 9});
-  EXPECT_EQ(SolveText(Rows({{1, 2}, {2, 4}}), Column({1, 2}), keep), kNotUnique);
+  Col keep = Of<Col>({9, 9});
+  EXPECT_EQ(SolveText(Rows({{1, 2}, {2, 4}}), Of<Col>({1, 2}), keep), kNotUnique);
   EXPECT_EQ(keep[0], 9);
-  EXPECT_EQ(SolveText(Rows({{1, 0}, {0, 1}, {1, 1}}), Column({1, 2, 3}), x),
-            kPrefix + Cp1251("Система не совместна."));
+  EXPECT_EQ(SolveText(Rows({{1, 0}, {0, 1}, {1, 1}}), Of<Col>({1, 2, 3}), x), kInconsistent);
   // A zero pivot before the last column does not let a tall system through to a back
   // substitution that would read past its rows.
-  EXPECT_EQ(SolveText(Rows({{1, 0}, {2, 0}, {3, 0}}), Column({1, 2, 3}), x),
-            kPrefix + Cp1251("Система не совместна."));
+  EXPECT_EQ(SolveText(Rows({{1, 0}, {2, 0}, {3, 0}}), Of<Col>({1, 2, 3}), x), kInconsistent);
+  EXPECT_EQ(SolveText(Rows({{1, 0}}), Of<Col>({1, 2}), x), kPrefix + "different size.");
 
   M c = Rows({{4, 0}, {2, 3}});
   // The second pivot is 0.5 * 3 - 0 = 1.5.
-  EXPECT_EQ(Elements(c.Inverse()), (D{0.25, 0, -0.25 * (1 / 1.5), 0.5 * (1 / 1.5)}));
-  EXPECT_EQ(Elements(c), (D{4, 0, 2, 3}));
+  EXPECT_EQ(Values(c.Inverse()), (D{0.25, 0, -0.25 * (1 / 1.5), 0.5 * (1 / 1.5)}));
+  EXPECT_EQ(Values(c), (D{4, 0, 2, 3}));
+  EXPECT_EQ(BadParametersText([] { (void)Rows({{1, 2}, {2, 4}}).Inverse(); }), kNotUnique);
   EXPECT_EQ(BadParametersText([] { (void)M(2, 3).Inverse(); }), kPrefix + "Matrix must be square.");
 }
 
 TEST(Matrix, ValueElementTypes) {
   // Unit-modulus pivots, where the library's complex quotient is the true one.
-  zrColumnVector<C> zb = Column<C>({C(1), C(2)}), zx;
+  zrColumnVector<C> zb = Of<zrColumnVector<C>>({C(1), C(2)}), zx;
   Rows<C>({{C(0, 1), C(0)}, {C(0), C(1)}}).SolveEquationGaussMethod(zx, zb);
   EXPECT_TRUE(zx[0] == C(0, -1) && zx[1] == C(2));
   EXPECT_EQ(Rows<C>({{C(0, 1), C(0)}, {C(0), C(0, 1)}}).Det(), C(-1, 0));
@@ -174,16 +195,33 @@ TEST(Matrix, ValueElementTypes) {
   const double a[4][3] = {{1, 2, 1}, {2, 1, 1}, {3, 5, 2}, {4, 3, 3}};
   const double rhs[2][3] = {{5, 1, 2}, {6, 2, 3}};
   const auto vec = [](const double* c) { return V3(c[0], c[1], c[2]); };
-  zrColumnVector<V3> pb = Column<V3>({vec(rhs[0]), vec(rhs[1])}), px;
+  zrColumnVector<V3> pb = Of<zrColumnVector<V3>>({vec(rhs[0]), vec(rhs[1])}), px;
   Rows<V3>({{vec(a[0]), vec(a[1])}, {vec(a[2]), vec(a[3])}}).SolveEquationGaussMethod(px, pb);
   for (int c = 0; c < 3; ++c) {
-    zrColumnVector<double> db = Column({rhs[0][c], rhs[1][c]}), dx;
+    Col db = Of<Col>({rhs[0][c], rhs[1][c]}), dx;
     Rows({{a[0][c], a[1][c]}, {a[2][c], a[3][c]}}).SolveEquationGaussMethod(dx, db);
     EXPECT_TRUE(px[0][c] == dx[0] && px[1][c] == dx[1]) << c;
   }
-  // A pivot with one zero coordinate counts as zero.
+}
+
+// Pivots whose coordinates disagree: a candidate must beat the running maximum in all
+// three coordinates to be exchanged, a pivot with any coordinate 0 stops the elimination,
+// and a multiplier 0 in one coordinate leaves that coordinate of its row alone.
+TEST(Matrix, Vec3PivotsCoordinateByCoordinate) {
   const V3 o(0, 0, 0), i(1, 1, 1);
-  EXPECT_EQ(SolveText(Rows<V3>({{i, o}, {o, V3(1, 0, 1)}}), Column<V3>({i, i}), px), kNotUnique);
+  // (2, 3, 0.5) beats (1, 0, 1) in two coordinates only: no exchange; (1, 0, 1) stops
+  // at once, so Det is the product of the diagonal as it stands.
+  EXPECT_EQ(Rows<V3>({{V3(1, 0, 1), i}, {V3(2, 3, 0.5), V3(5, 6, 7)}}).Det(), V3(5, 0, 7));
+  // An exchange when all three are greater: the pivot is then (2, 3, 4).
+  EXPECT_EQ(Rows<V3>({{i, i}, {V3(2, 3, 4), i}}).Det(),
+            V3(2 * (1 - 0.5), 3 * (1 - 1.0 / 3), 4 * (1 - 0.25)));
+  // l = (0, 4, 4): x keeps 3, y and z become 8 / 4 - 1 and 12 / 4 - 1 (q = (2, 2, 2) / p).
+  EXPECT_EQ(Rows<V3>({{V3(2, 2, 2), V3(2, 2, 2)}, {V3(0, 4, 4), V3(3, 8, 12)}}).Det(), V3(6, 2, 4));
+  zrColumnVector<V3> x;
+  EXPECT_EQ(SolveText(Rows<V3>({{i, o}, {o, V3(1, 0, 1)}}), Of<zrColumnVector<V3>>({i, i}), x),
+            kNotUnique);
+  EXPECT_EQ(SolveText(Rows<V3>({{V3(1, 0, 1), i}, {i, i}}), Of<zrColumnVector<V3>>({i, i}), x),
+            kNotUnique);
 }
 
 TEST(Matrix, FlatFormAndArrays) {
@@ -198,13 +236,13 @@ TEST(Matrix, FlatFormAndArrays) {
   EXPECT_EQ(buf, expected);
   M back;
   EXPECT_EQ(back.FromMem(buf.data()), t.MemSize());
-  EXPECT_TRUE(Elements(back) == Elements(t) && back.TabInColumn() == 3);
+  EXPECT_TRUE(Values(back) == Values(t) && back.TabInColumn() == 3);
 
   zrSimpleArray<M> arr(2);
   arr[0].Set(m, 1, 0, 2, 2);  // a view of m
   arr[1] = Rows({{9}});
   arr.InverseOrder();  // handles exchanged: m is not written
-  EXPECT_EQ(Elements(m), (D{1, 2, 3, 4, 5, 6}));
+  EXPECT_EQ(Values(m), (D{1, 2, 3, 4, 5, 6}));
   arr[1](0, 0) = 30;
   EXPECT_EQ(m(1, 0), 30);
   zrSimpleArray<M> copy(arr);
@@ -217,7 +255,7 @@ TEST(Matrix, AssignmentFromAnOverlappingViewReadsTheSourceFirst) {
   M m = Rows({{1, 2, 3}, {4, 5, 6}, {7, 8, 9}});
   M sharer(m);
   m = m.T();
-  EXPECT_EQ(Elements(sharer), (D{1, 4, 7, 2, 5, 8, 3, 6, 9}));
+  EXPECT_EQ(Values(sharer), (D{1, 4, 7, 2, 5, 8, 3, 6, 9}));
 
   // A non-square one changes size, so it takes fresh storage; its old sharers keep the
   // old values.
@@ -225,8 +263,8 @@ TEST(Matrix, AssignmentFromAnOverlappingViewReadsTheSourceFirst) {
   M old(wide);
   wide = wide.T();
   EXPECT_EQ(wide.ColumnLen() * 10 + wide.LineLen(), 32);
-  EXPECT_EQ(Elements(wide), (D{1, 4, 2, 5, 3, 6}));
-  EXPECT_EQ(Elements(old), (D{1, 2, 3, 4, 5, 6}));
+  EXPECT_EQ(Values(wide), (D{1, 4, 2, 5, 3, 6}));
+  EXPECT_EQ(Values(old), (D{1, 2, 3, 4, 5, 6}));
   EXPECT_EQ(wide.GetNumOfRef(), 0);
 
   // Windows of one block shifted down and right, and back.
@@ -236,16 +274,16 @@ TEST(Matrix, AssignmentFromAnOverlappingViewReadsTheSourceFirst) {
   to.Set(big, 1, 1, 3, 3);
   from.Set(big, 0, 0, 3, 3);
   to = from;
-  EXPECT_EQ(Elements(big), (D{0, 1, 2, 3, 4, 0, 1, 2, 8, 4, 5, 6, 12, 8, 9, 10}));
+  EXPECT_EQ(Values(big), (D{0, 1, 2, 3, 4, 0, 1, 2, 8, 4, 5, 6, 12, 8, 9, 10}));
   from = to;
-  EXPECT_EQ(Elements(big), (D{0, 1, 2, 3, 4, 5, 6, 2, 8, 9, 10, 6, 12, 8, 9, 10}));
+  EXPECT_EQ(Values(big), (D{0, 1, 2, 3, 4, 5, 6, 2, 8, 9, 10, 6, 12, 8, 9, 10}));
 
   // The in-place sum with a transposed view of itself.
   M s = Rows({{1, 2}, {3, 4}});
   s += s.T();
-  EXPECT_EQ(Elements(s), (D{2, 5, 5, 8}));
+  EXPECT_EQ(Values(s), (D{2, 5, 5, 8}));
   s -= s.T();
-  EXPECT_EQ(Elements(s), (D{0, 0, 0, 0}));
+  EXPECT_EQ(Values(s), (D{0, 0, 0, 0}));
 }
 
 TEST(Matrix, ViewsBeyondThirtyTwoBitExtentsAreRefused) {

@@ -27,6 +27,7 @@ TEST(Matrix2x2, ArithmeticTurnsFlatFormAndConversions) {
   const zrMatrix2x2 a(1, 2, 3, 4);
   EXPECT_EQ(zrVec2(1, 2) * a, zrVec2(7, 10));  // row times matrix
   EXPECT_EQ(a * zrVec2(1, 2), zrVec2(5, 11));  // matrix times column
+  ExpectElements(a * zrMatrix2x2(0, 1, 1, 0), {2, 1, 4, 3});
   EXPECT_TRUE(std::signbit((-(a - a))(0, 0)));
   ExpectElements(a.Inverse(), {-2, 1, 1.5, -0.5});
   // The threshold is absolute: det 1e-61 is refused, det 1e-59 inverted.
@@ -78,7 +79,7 @@ TEST(Matrix3x3, ArithmeticCopyInverseAndTurns) {
   ExpectElements(MulCL(zrVec2(2, 3), zrVec2(4, 5)), {8, 10, 12, 15});
   ExpectElements(a * a.Inverse(), {1, 0, 0, 0, 1, 0, 0, 0, 1}, 1e-14);
   EXPECT_EQ(zr_test::BadParametersText([] { zrTMatrix3x3<double>(1.0).Inverse(); }),
-            kPrefix + ZR_TEXT_SYSTEM_NOT_UNIQUE);
+            kPrefix + zr::text::kSystemNotUnique);
 
   // Copy leaves row n and column n alone.
   const zrMatrix2x2 m(11, 12, 21, 22);

@@ -17,7 +17,7 @@
 ///
 /// Failures: the classes check nothing themselves. A singular system (an open curve of one
 /// point, a tube of one row, skew 0) is reported by the Gauss solver with its
-/// "not unique" text (ZR_TEXT_SYSTEM_NOT_UNIQUE, zr/linalg/matrix.h); degenerate
+/// "not unique" text (zr::text::kSystemNotUnique, zr/linalg/matrix.h); degenerate
 /// parameters give infinities or NaNs. The one exception of this file's own is the tube's
 /// contour form with a heights array of another length than the contour array
 /// ("BetaTube: number of heights must equal number of contours.").

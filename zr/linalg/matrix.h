@@ -35,8 +35,8 @@
 /// does), the binary ones and all products its binary operators. Sums of products run in
 /// index order from the first product, each step rounded.
 ///
-/// Gaussian elimination (SolveEquationGaussMethod, Inverse1, Det) works on an array of row
-/// pointers, so a row exchange swaps pointers and moves no element, and keeps the
+/// Gaussian elimination (SolveEquationGaussMethod, Inverse1, Det) works on an order of the
+/// rows, so a row exchange swaps two places in it and moves no element, and keeps the
 /// library's own rules:
 ///   - partial pivoting with the exchange made DURING the scan: the running maximum starts
 ///     at |a(k, k)|, and each row i > k whose |a(i, k)| is strictly greater is exchanged
@@ -70,10 +70,10 @@
 /// right-hand side of another length than the rows; "different length." for a column
 /// vector of another length than the columns; "Matrix must be square." (Inverse1,
 /// Inverse); "Det: Matrix must be square."; and the solver's two Windows-1251 texts,
-/// ZR_TEXT_SYSTEM_INCONSISTENT (more rows than columns: thrown after the forward
+/// zr::text::kSystemInconsistent (more rows than columns: thrown after the forward
 /// elimination, even when a zero pivot stopped it, since back substitution would read
-/// diagonal elements past the rows' ends) and
-/// ZR_TEXT_SYSTEM_NOT_UNIQUE (back substitution met a zero diagonal).
+/// diagonal elements past the rows' ends) and zr::text::kSystemNotUnique (a zero pivot
+/// stopped the elimination, so back substitution would meet a zero diagonal).
 ///
 /// Flat form: rows and columns as signed 32-bit little-endian integers, then the elements
 /// row by row, each row from column 0, packed in their raw form: 8 + rows * cols *
@@ -90,12 +90,15 @@
 #include "zr/linalg/line_column.h"
 #include "zr/linalg/vector.h"
 
-/// "Система не совместна." and "Система имеет не единственное решение." in Windows-1251.
-#define ZR_TEXT_SYSTEM_INCONSISTENT \
-  "\xD1\xE8\xF1\xF2\xE5\xEC\xE0 \xED\xE5 \xF1\xEE\xE2\xEC\xE5\xF1\xF2\xED\xE0."
-#define ZR_TEXT_SYSTEM_NOT_UNIQUE                                                   \
-  "\xD1\xE8\xF1\xF2\xE5\xEC\xE0 \xE8\xEC\xE5\xE5\xF2 \xED\xE5 \xE5\xE4\xE8\xED\xF1" \
-  "\xF2\xE2\xE5\xED\xED\xEE\xE5 \xF0\xE5\xF8\xE5\xED\xE8\xE5."
+namespace zr::text {
+/// "Система не совместна." in Windows-1251: the system has more rows than columns.
+inline constexpr char kSystemInconsistent[] =
+    "\xD1\xE8\xF1\xF2\xE5\xEC\xE0 \xED\xE5 \xF1\xEE\xE2\xEC\xE5\xF1\xF2\xED\xE0.";
+/// "Система имеет не единственное решение." in Windows-1251: a zero pivot.
+inline constexpr char kSystemNotUnique[] =
+    "\xD1\xE8\xF1\xF2\xE5\xEC\xE0 \xE8\xEC\xE5\xE5\xF2 \xED\xE5 \xE5\xE4\xE8\xED\xF1"
+    "\xF2\xE2\xE5\xED\xED\xEE\xE5 \xF0\xE5\xF8\xE5\xED\xE8\xE5.";
+}  // namespace zr::text
 
 /// The dense matrix of TT: a view with two steps (between lines and within a line) onto a
 /// reference-counted block, with arithmetic, products, Gaussian elimination, the inverse,
@@ -244,6 +247,8 @@ class ZR_API zrMatrix : public zrPArray {
   // Fresh storage stored by rows for rows x cols >= 1 elements; the old block is released
   // after.
   void Fresh(int rows, int cols);
+  // The view's fields, the block aside.
+  void View(TT* first, int step_line, int step_column, int rows, int cols);
 
   TT* p_ = nullptr;      // element (0, 0); null for an empty matrix
   int step_line_ = 0;    // distance in elements from (i, j) to (i, j + 1)
@@ -251,6 +256,42 @@ class ZR_API zrMatrix : public zrPArray {
   int cols_ = 0;         // line length: the number of columns
   int rows_ = 0;         // column length: the number of rows
 };
+
+namespace zr::detail {
+
+// The fast paths zrMatrix<TT> asks before running its own loops. Each returns false when
+// it declines, having changed nothing, and the class's loops run; a kernel that runs gives
+// their results bit for bit. This primary template declines everything. The one for double
+// is the library's (zr/linalg/detail/), which declines at the plain level of
+// zr/core/detail/machine.h and where its blocking would not pay.
+template <class TT>
+struct MatrixKernels {
+  // r = a * b into r, fresh and stored by rows.
+  static bool Product(const zrMatrix<TT>&, const zrMatrix<TT>&, zrMatrix<TT>&) { return false; }
+  // r = a.T() * a into r, fresh and stored by rows.
+  static bool SelfTMulSelf(const zrMatrix<TT>&, zrMatrix<TT>&) { return false; }
+  // The forward elimination of a's rows in the order perm (place -> row, the identity on
+  // entry), with b (a right-hand side) and e (rows of equal length) when given, as
+  // matrix_impl.h's ForwardEliminate; stop is set to what that returns.
+  static bool Eliminate(zrMatrix<TT>&, zrVector<TT>*, zrMatrix<TT>*, int*, int&) { return false; }
+  // Inverse1's back substitution into r (n x n, fresh) after an elimination that met no
+  // zero pivot.
+  static bool BackInverse(const zrMatrix<TT>&, const int*, const zrMatrix<TT>&, zrMatrix<TT>&) {
+    return false;
+  }
+};
+
+template <>
+struct ZR_API MatrixKernels<double> {
+  static bool Product(const zrMatrix<double>& a, const zrMatrix<double>& b, zrMatrix<double>& r);
+  static bool SelfTMulSelf(const zrMatrix<double>& a, zrMatrix<double>& r);
+  static bool Eliminate(zrMatrix<double>& a, zrVector<double>* b, zrMatrix<double>* e, int* perm,
+                        int& stop);
+  static bool BackInverse(const zrMatrix<double>& a, const int* perm, const zrMatrix<double>& e,
+                          zrMatrix<double>& r);
+};
+
+}  // namespace zr::detail
 
 #define ZR_DETAIL_EXTERN_MATRIX(T) ZR_EXTERN_TEMPLATE(class, zrMatrix<T>);
 ZR_LINALG_TYPES(ZR_DETAIL_EXTERN_MATRIX)

@@ -2,38 +2,13 @@
 
 #include <cstdint>
 
+#include "zr/core/detail/machine.h"
+#include "zr/linalg/detail/sweep_kernel.h"
+
 namespace zr::detail {
 namespace {
 
-// Element i of a strided run of doubles.
-struct Run {
-  double* p;
-  int step;
-  double& operator[](int i) const { return p[static_cast<long long>(i) * step]; }
-};
-
 Run RunOf(const zrVector<double>& v) { return Run{v.GetPointer(), v.Tab()}; }
-
-// A work array of doubles from the library allocator, freed on every way out.
-class Work {
- public:
-  explicit Work(int n)
-      : p_(n > 0 ? static_cast<double*>(zrMalloc(static_cast<std::uint64_t>(n) * sizeof(double)))
-                 : nullptr) {}
-  Work(const Work&) = delete;
-  Work& operator=(const Work&) = delete;
-  ~Work() { zrFree(p_); }
-  double* get() const { return p_; }
-  Run run() const { return Run{p_, 1}; }
-
- private:
-  double* p_;
-};
-
-// The bands of a tridiagonal matrix.
-struct Bands {
-  Run up, diag, down;
-};
 
 Bands BandsOf(const zrMatrix3Diag<double>& a) {
   return Bands{RunOf(a.Up()), RunOf(a.Diag()), RunOf(a.Down())};
@@ -79,65 +54,6 @@ void Sweep(int n, const Bands& a, Run b, Run x, double* alpha, Run beta) {
   }
 }
 
-// The part of the sweep that depends on the matrix alone, n >= 2: alpha[i] for i < n - 1
-// and den[i], the denominator of row i (den[0] = Diag[0]), exactly as Sweep forms them.
-void Factor(int n, const Bands& a, double* alpha, double* den) {
-  den[0] = a.diag[0];
-  double al = alpha[0] = -a.up[0] / a.diag[0];
-  for (int i = 1; i <= n - 2; ++i) {
-    const double d = a.down[i - 1] * al + a.diag[i];
-    den[i] = d;
-    al = alpha[i] = -a.up[i] / d;
-  }
-  den[n - 1] = a.down[n - 2] * al + a.diag[n - 1];
-}
-
-// Sweep's right-hand-side part for k <= 4 columns at once (their chains interleave), with
-// beta kept in x; n >= 2. Column c reads b[c] and writes x[c], which may be b[c]. With
-// `fused` the matrix part is formed on the way into alpha (den is not used), else alpha
-// and den come from Factor.
-template <int k, bool fused>
-void SolveColumns(int n, const Bands& a, double* alpha, const double* den, const Run* b,
-                  const Run* x) {
-  double prev[k];
-  double d = fused ? a.diag[0] : den[0];
-  double al = 0;
-  if (fused) al = alpha[0] = -a.up[0] / a.diag[0];
-  for (int c = 0; c < k; ++c) prev[c] = x[c][0] = b[c][0] / d;
-  for (int i = 1; i <= n - 1; ++i) {
-    const double dn = a.down[i - 1];
-    if (fused) {
-      d = dn * al + a.diag[i];
-      if (i <= n - 2) al = alpha[i] = -a.up[i] / d;
-    } else {
-      d = den[i];
-    }
-    for (int c = 0; c < k; ++c) prev[c] = x[c][i] = (b[c][i] - dn * prev[c]) / d;
-  }
-  for (int i = n - 2; i >= 0; --i) {
-    const double al = alpha[i];
-    for (int c = 0; c < k; ++c) prev[c] = x[c][i] = prev[c] * al + x[c][i];
-  }
-}
-
-void SolveColumns(int n, const Bands& a, double* alpha, const double* den, int k, const Run* b,
-                  const Run* x) {
-  switch (k) {
-    case 1:
-      SolveColumns<1, false>(n, a, alpha, den, b, x);
-      break;
-    case 2:
-      SolveColumns<2, false>(n, a, alpha, den, b, x);
-      break;
-    case 3:
-      SolveColumns<3, false>(n, a, alpha, den, b, x);
-      break;
-    default:
-      SolveColumns<4, false>(n, a, alpha, den, b, x);
-      break;
-  }
-}
-
 // Whether the solution may hold the sweep's intermediate values: its storage is a block
 // of its own that none of the diagonals holds (a right-hand side in it is fine).
 bool Apart(const zrPArray& x, const zrPArray& up, const zrPArray& diag, const zrPArray& down) {
@@ -172,7 +88,7 @@ void Factorize(int n, const Bands& a, Run up2, Run down2, Run b, Run x, double* 
 
 using zr::detail::Bands;
 using zr::detail::Run;
-using zr::detail::Work;
+using Work = zr::detail::Scratch<double>;
 
 ZR_DEFINE_TYPE_IDENTITY_WITH(template <class TT>, zrMatrix3Diag<TT>, "zrMatrix3Diag")
 
@@ -431,6 +347,16 @@ zrMatrix<TT> zrMatrix3Diag<TT>::operator*(const zrMatrix3Diag& b) const {
 }
 
 template <class TT>
+template <class F>
+TT zrMatrix3Diag<TT>::BandRow(int i, F at) const {
+  const int n = LineLen();
+  TT sum = i > 0 ? down_[i - 1] * at(i - 1) : TT(0);
+  sum = i > 0 ? sum + diag_[i] * at(i) : diag_[i] * at(i);
+  if (i < n - 1) sum = sum + up_[i] * at(i + 1);
+  return sum;
+}
+
+template <class TT>
 zrMatrix<TT> zrMatrix3Diag<TT>::operator*(const zrMatrix<TT>& m) const {
   CheckBands();
   const int n = LineLen();
@@ -438,12 +364,8 @@ zrMatrix<TT> zrMatrix3Diag<TT>::operator*(const zrMatrix<TT>& m) const {
   const int cols = m.LineLen();
   zrMatrix<TT> r(n, cols);
   for (int i = 0; i < n; ++i) {
-    for (int j = 0; j < cols; ++j) {
-      TT sum = i > 0 ? down_[i - 1] * m(i - 1, j) : TT(0);
-      sum = i > 0 ? sum + diag_[i] * m(i, j) : diag_[i] * m(i, j);
-      if (i < n - 1) sum = sum + up_[i] * m(i + 1, j);
-      r(i, j) = sum;
-    }
+    for (int j = 0; j < cols; ++j)
+      r(i, j) = BandRow(i, [&](int k) -> const TT& { return m(k, j); });
   }
   return r;
 }
@@ -454,12 +376,7 @@ zrColumnVector<TT> zrMatrix3Diag<TT>::operator*(const zrColumnVector<TT>& x) con
   const int n = LineLen();
   if (x.Len() != n) throw BadParameters("different length.");
   zrColumnVector<TT> r(n);
-  for (int i = 0; i < n; ++i) {
-    TT sum = i > 0 ? down_[i - 1] * x[i - 1] : TT(0);
-    sum = i > 0 ? sum + diag_[i] * x[i] : diag_[i] * x[i];
-    if (i < n - 1) sum = sum + up_[i] * x[i + 1];
-    r[i] = sum;
-  }
+  for (int i = 0; i < n; ++i) r[i] = BandRow(i, [&](int k) -> const TT& { return x[k]; });
   return r;
 }
 
@@ -555,26 +472,10 @@ void zrMatrix3Diag<TT>::SolveEquationChaserMethod(zrMatrix<TT>& X, const zrMatri
   X.Init(B.ColumnLen(), cols);
   if (n == 0 || cols == 0) return;
   const Bands a = zr::detail::BandsOf(*this);
-  if (n == 1 || !apart) {
-    for (int j = 0; j < cols; ++j)
-      zr::detail::Sweep(n, a, Run{&B(0, j), B.TabInColumn()}, Run{&X(0, j), X.TabInColumn()}, work,
-                        Run{work + (n - 1), 1});
-    return;
-  }
-  // The matrix part once, then the columns four at a time, each with beta in its column of
-  // X.
-  double* const alpha = work;
-  double* const den = alpha + (n - 1);
-  zr::detail::Factor(n, a, alpha, den);
-  for (int j = 0; j < cols; j += 4) {
-    const int k = cols - j < 4 ? cols - j : 4;
-    Run bs[4], xs[4];
-    for (int c = 0; c < k; ++c) {
-      bs[c] = Run{&B(0, j + c), B.TabInColumn()};
-      xs[c] = Run{&X(0, j + c), X.TabInColumn()};
-    }
-    zr::detail::SolveColumns(n, a, alpha, den, k, bs, xs);
-  }
+  if (n > 1 && apart && zr::detail::SweepColumns(n, a, B, X, work)) return;
+  for (int j = 0; j < cols; ++j)
+    zr::detail::Sweep(n, a, Run{&B(0, j), B.TabInColumn()}, Run{&X(0, j), X.TabInColumn()}, work,
+                      Run{work + (n - 1), 1});
 }
 
 template <class TT>
@@ -595,23 +496,21 @@ void zrMatrix3Diag<TT>::SolveEquationCycleChaserMethod(zrColumnVector<TT>& x,
   const Bands a = zr::detail::BandsOf(*this);
   const Run xs = zr::detail::RunOf(x), bs = zr::detail::RunOf(b);
   const Run z{zz, 1};
-  // The coupling column z solves T'z = w, w = (top, 0, ..., 0, Up[n-2]) built in z.
+  // The coupling column z solves T'z = w, w = (top, 0, ..., 0, Up[n-2]) built in z (after
+  // x is written when x may be a band).
   const auto coupling = [&] {
     for (int i = 0; i < m; ++i) zz[i] = 0;
     zz[0] = t;
     zz[m - 1] = a.up[n - 2];
   };
   // The leading block solves for u = x[0 .. m-1] and for z.
-  if (apart) {
-    coupling();
-    const Run rhs[2] = {bs, z};
-    const Run sol[2] = {xs, z};
-    zr::detail::SolveColumns<2, true>(m, a, alpha, nullptr, rhs, sol);
-  } else {
-    const Run beta{zz + m, 1};
-    zr::detail::Sweep(m, a, bs, xs, alpha, beta);
-    coupling();
-    zr::detail::Sweep(m, a, z, z, alpha, beta);
+  const Run rhs[2] = {bs, z};
+  const Run sol[2] = {xs, z};
+  if (apart) coupling();
+  if (!apart || !zr::detail::SweepPair(m, a, rhs, sol, alpha)) {
+    zr::detail::Sweep(m, a, bs, xs, alpha, apart ? xs : Run{zz + m, 1});
+    if (!apart) coupling();
+    zr::detail::Sweep(m, a, z, z, alpha, z);
   }
   const double last = (bs[n - 1] - bt * xs[0] - a.down[n - 2] * xs[n - 2]) /
                       (a.diag[n - 1] - a.down[n - 2] * zz[n - 2] - bt * zz[0]);
@@ -629,7 +528,7 @@ void zrMatrix3Diag<TT>::SolveEquationFactorizeMethod(const zrVector<TT>& up2,
   if (b.Len() != n) throw BadParameters("different size.");
   if (n < 3) throw BadParameters("invalid size : size < 3.");
   if (up2.Len() < n - 2 || down2.Len() < n - 2) throw BadParameters("different size.");
-  Work d(n), u(n - 1);
+  const Work d(n), u(n - 1);
   x.Init(n);
   zr::detail::Factorize(n, zr::detail::BandsOf(*this), zr::detail::RunOf(up2),
                         zr::detail::RunOf(down2), zr::detail::RunOf(b), zr::detail::RunOf(x),
@@ -651,14 +550,14 @@ void zrMatrix3Diag<TT>::SolveEquationCycleFactorizeMethod(const zrVector<TT>& up
   if (m < 3) throw BadParameters("invalid size : size < 3.");
   // The corners are read before x is written: they may be its elements.
   const TT k02 = a0n2, k01 = a0n1, k12 = a1n1, k21 = an20, k10 = an10, k11 = an11;
-  Work d(m), u(m - 1), col0(m), col1(m), z0(m), z1(m);
+  const Work d(m), u(m - 1), col0(m), col1(m), z0(m), z1(m);
   x.Init(n);
   const Bands a = zr::detail::BandsOf(*this);
   const Run p2 = zr::detail::RunOf(up2), q2 = zr::detail::RunOf(down2);
   const Run xs = zr::detail::RunOf(x), bs = zr::detail::RunOf(b);
 
   // The correction columns: columns n-2 and n-1 of the first m rows.
-  const Run c0 = col0.run(), c1 = col1.run();
+  const Run c0 = Run{col0.get(), 1}, c1 = Run{col1.get(), 1};
   for (int i = 0; i < m; ++i) c0[i] = c1[i] = 0;
   c0[0] = k02;
   c0[m - 2] = p2[n - 4];
@@ -669,8 +568,8 @@ void zrMatrix3Diag<TT>::SolveEquationCycleFactorizeMethod(const zrVector<TT>& up
 
   // The leading block: y into x[0 .. m-1], then the two correction columns.
   zr::detail::Factorize(m, a, p2, q2, bs, xs, d.get(), u.get());
-  zr::detail::Factorize(m, a, p2, q2, c0, z0.run(), d.get(), u.get());
-  zr::detail::Factorize(m, a, p2, q2, c1, z1.run(), d.get(), u.get());
+  zr::detail::Factorize(m, a, p2, q2, c0, Run{z0.get(), 1}, d.get(), u.get());
+  zr::detail::Factorize(m, a, p2, q2, c1, Run{z1.get(), 1}, d.get(), u.get());
 
   // The trailing 2 x 2 system; R's rows are (k21 at 0, down2[n-4] at m-2, Down[n-3] at
   // m-1) and (k10 at 0, k11 at 1, down2[n-3] at m-1).
@@ -679,10 +578,10 @@ void zrMatrix3Diag<TT>::SolveEquationCycleFactorizeMethod(const zrVector<TT>& up
   };
   const auto row1 = [&](Run v) { return k10 * v[0] + k11 * v[1] + q2[n - 3] * v[m - 1]; };
   zrMatrix<TT> s(2, 2);
-  s(0, 0) = a.diag[n - 2] - row0(z0.run());
-  s(0, 1) = a.up[n - 2] - row0(z1.run());
-  s(1, 0) = a.down[n - 2] - row1(z0.run());
-  s(1, 1) = a.diag[n - 1] - row1(z1.run());
+  s(0, 0) = a.diag[n - 2] - row0(Run{z0.get(), 1});
+  s(0, 1) = a.up[n - 2] - row0(Run{z1.get(), 1});
+  s(1, 0) = a.down[n - 2] - row1(Run{z0.get(), 1});
+  s(1, 1) = a.diag[n - 1] - row1(Run{z1.get(), 1});
   zrColumnVector<TT> rhs(2), tail;
   rhs[0] = bs[n - 2] - row0(xs);
   rhs[1] = bs[n - 1] - row1(xs);

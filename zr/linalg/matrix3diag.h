@@ -230,6 +230,10 @@ class ZR_API zrMatrix3Diag : public zrUsingNew {
  private:
   // A deep copy with fresh storage.
   zrMatrix3Diag Fresh() const;
+  // Row i of the band times the column whose element k is at(k): Down[i-1]*at(i-1) +
+  // Diag[i]*at(i) + Up[i]*at(i+1), the terms that exist, in this order.
+  template <class F>
+  TT BandRow(int i, F at) const;
   // Refuses diagonals whose lengths do not make a tridiagonal matrix (see the top of this
   // file).
   void CheckBands() const;

@@ -5,120 +5,71 @@
 #pragma once
 
 #include <cstdint>
-#include <type_traits>
 #include <utility>
 
-#include "zr/linalg/gauss_kernel.h"
 #include "zr/linalg/matrix.h"
-#include "zr/linalg/product_kernel.h"
 #include "zr/linalg/vector_impl.h"
 
 namespace zr::detail {
 
-// n pointers from zrMalloc, released with the buffer.
-template <class P>
-class PointerBuffer {
- public:
-  explicit PointerBuffer(int n) : p_(static_cast<P*>(zrMalloc(Bytes(n)))) {}
-  PointerBuffer(const PointerBuffer&) = delete;
-  PointerBuffer& operator=(const PointerBuffer&) = delete;
-  ~PointerBuffer() { zrFree(p_); }
-  P& operator[](int i) { return p_[i]; }
-  P* get() { return p_; }
-
- private:
-  static std::uint64_t Bytes(int n) {
-    const std::uint64_t size = sizeof(P);  // NOLINT(bugprone-sizeof-expression): P is a pointer
-    return static_cast<std::uint64_t>(n > 0 ? n : 1) * size;
-  }
-
-  P* p_;
-};
-
-// Element m of a row reached through a row pointer, with the matrix's step in line.
-template <class TT>
-TT& RowAt(TT* row, int m, int step) {
-  return row[static_cast<long long>(m) * step];
+// The places of a row order: 0, 1, ..., n - 1 (empty for n = 0).
+inline zrSimpleArray<int> Places(int n) {
+  zrSimpleArray<int> perm = n > 0 ? zrSimpleArray<int>(n) : zrSimpleArray<int>();
+  for (int i = 0; i < n; ++i) perm[i] = i;
+  return perm;
 }
 
-// The forward elimination shared by the solver, Inverse1 and Det, on n row pointers of a
-// matrix with `cols` columns and step in line `step`. b (n element pointers) and e (n
-// pointers to contiguous rows of en elements) may be null; every exchange is applied to
-// all the arrays given. Returns the number of completed columns: the index of the first
-// zero pivot, or n when none stopped it (more than cols when there are more rows than
-// columns, which throws the "inconsistent" text).
+// The forward elimination shared by the solver, Inverse1 and Det, on the rows of a in the
+// order perm (place -> row), applying every step to b and to the rows of e as well when
+// they are given. Returns the step of the first zero pivot, or the number of rows when
+// none stopped it.
 template <class TT>
-int ForwardEliminate(TT** rows, int n, int cols, int step, TT** b, TT** e, int en) {
+int ForwardEliminate(zrMatrix<TT>& a, zrVector<TT>* b, zrMatrix<TT>* e, int* perm) {
+  const int n = a.ColumnLen();
+  const int cols = a.LineLen();
+  const int en = e ? e->LineLen() : 0;
   const int last = n < cols ? n : cols;
-  int completed = n;
   for (int k = 0; k < last; ++k) {
     // The exchange is made during the scan, as the library always has.
-    auto best = PivotMagnitude(RowAt(rows[k], k, step));
+    auto best = PivotMagnitude(a(perm[k], k));
     for (int i = k + 1; i < n; ++i) {
-      const auto v = PivotMagnitude(RowAt(rows[i], k, step));
+      const auto v = PivotMagnitude(a(perm[i], k));
       if (v > best) {
-        std::swap(rows[k], rows[i]);
-        if (b) std::swap(b[k], b[i]);
-        if (e) std::swap(e[k], e[i]);
+        std::swap(perm[k], perm[i]);
         best = v;
       }
     }
-    const TT p = RowAt(rows[k], k, step);
-    if (IsZeroPivot(p)) {
-      completed = k;
-      break;
-    }
+    const int pk = perm[k];
+    const TT p = a(pk, k);
+    if (IsZeroPivot(p)) return k;
     const TT inv = LinalgOne<TT>() / p;
-    for (int m = k + 1; m < cols; ++m) {
-      TT& a = RowAt(rows[k], m, step);
-      a = a * inv;
-    }
-    if (b) *b[k] = *b[k] * inv;
-    if (e) {
-      for (int m = 0; m < en; ++m) e[k][m] = e[k][m] * inv;
-    }
-    for (int j = k + 1; j < n; ++j) {
-      const TT l = RowAt(rows[j], k, step);
+    for (int m = k + 1; m < cols; ++m) a(pk, m) = a(pk, m) * inv;
+    if (b) (*b)[pk] = (*b)[pk] * inv;
+    for (int m = 0; m < en; ++m) (*e)(pk, m) = (*e)(pk, m) * inv;
+    for (int i = k + 1; i < n; ++i) {
+      const int j = perm[i];
+      const TT l = a(j, k);
       if (IsZeroElement(l)) continue;
       const TT linv = LinalgOne<TT>() / l;
-      for (int m = k + 1; m < cols; ++m) {
-        ScaleSubtract(RowAt(rows[j], m, step), linv, l, RowAt(rows[k], m, step));
-      }
-      if (b) ScaleSubtract(*b[j], linv, l, *b[k]);
-      if (e) {
-        for (int m = 0; m < en; ++m) ScaleSubtract(e[j][m], linv, l, e[k][m]);
-      }
+      for (int m = k + 1; m < cols; ++m) ScaleSubtract(a(j, m), linv, l, a(pk, m));
+      if (b) ScaleSubtract((*b)[j], linv, l, (*b)[pk]);
+      for (int m = 0; m < en; ++m) ScaleSubtract((*e)(j, m), linv, l, (*e)(pk, m));
     }
   }
-  // More rows than columns: the back substitution would need diagonal elements the
-  // rows do not have, whether or not a zero pivot stopped the elimination.
-  if (n > cols) throw BadParameters(ZR_TEXT_SYSTEM_INCONSISTENT);
-  return completed;
+  return n;
 }
 
-// ForwardEliminate, by the blocked kernels for double when no two of the elements share
-// storage (`separate`); they give the same bits.
+// ForwardEliminate, or the kernel for TT when it takes the work, and then the refusal of a
+// system with more rows than columns: back substitution would need diagonal elements the
+// rows do not have, whether or not a zero pivot stopped the elimination.
 template <class TT>
-int Eliminate(bool separate, TT** rows, int n, int cols, int step, TT** b, TT** e, int en) {
-  if constexpr (std::is_same_v<TT, double>) {
-    if (separate) return GaussEliminate(rows, n, cols, step, b, e, en);
-  }
-  return ForwardEliminate(rows, n, cols, step, b, e, en);
+int Eliminate(zrMatrix<TT>& a, zrVector<TT>* b, zrMatrix<TT>* e, int* perm) {
+  int stop = 0;
+  if (!MatrixKernels<TT>::Eliminate(a, b, e, perm, stop)) stop = ForwardEliminate(a, b, e, perm);
+  if (a.ColumnLen() > a.LineLen()) throw BadParameters(zr::text::kSystemInconsistent);
+  return stop;
 }
 
-// Whether a diagonal element of the eliminated rows is a zero pivot.
-template <class TT>
-bool AnyZeroDiagonal(TT** rows, int n, int step) {
-  for (int i = 0; i < n; ++i) {
-    if (IsZeroPivot(RowAt(rows[i], i, step))) return true;
-  }
-  return false;
-}
-
-// Whether a rows x cols view with steps a (in line) and c (in column) fits the 32-bit
-// extents: neither size negative, the row and column runs cols * a and rows * c (the
-// lengths of the vectors GetLine and GetColumn hand out) and the view's extents beyond
-// its first element, offset by `offset` elements, all within 32 bits.
 // The element offsets [low, high] around element 0 that a rows x cols view with steps a
 // (along a line) and c (down a column) reaches; both 0 for a view of no elements.
 inline void MatrixReach(int rows, int cols, int a, int c, std::int64_t& low, std::int64_t& high) {
@@ -130,6 +81,10 @@ inline void MatrixReach(int rows, int cols, int a, int c, std::int64_t& low, std
   high = (along > 0 ? along : 0) + (down > 0 ? down : 0);
 }
 
+// Whether a rows x cols view with steps a (in line) and c (in column) fits the 32-bit
+// extents: neither size negative, the row and column runs cols * a and rows * c (the
+// lengths of the vectors GetLine and GetColumn hand out) and the view's extents beyond
+// its first element, offset by `offset` elements, all within 32 bits.
 inline bool MatrixFits(std::int64_t offset, int rows, int cols, int a, int c) {
   if (rows < 0 || cols < 0 || !Fits32(offset)) return false;
   if (!RunFits(cols, a) || !RunFits(rows, c)) return false;
@@ -223,9 +178,14 @@ void zrMatrix<TT>::Fresh(int rows, int cols) {
   void* const old = GetMem();
   InitMem(block);
   zrDeleteWithRef(static_cast<TT*>(old));
-  p_ = block;
-  step_line_ = 1;
-  step_column_ = cols;
+  View(block, 1, cols, rows, cols);
+}
+
+template <class TT>
+void zrMatrix<TT>::View(TT* first, int step_line, int step_column, int rows, int cols) {
+  p_ = first;
+  step_line_ = step_line;
+  step_column_ = step_column;
   cols_ = cols;
   rows_ = rows;
 }
@@ -259,11 +219,7 @@ void zrMatrix<TT>::Set(const zrMatrix& src, int row, int col, int rows, int cols
     throw BadParameters("zrMatrix<T>::Set : out of range.");
   TT* const first = src.p_ + offset;
   SetMem(src.GetMem());
-  p_ = first;
-  step_line_ = a;
-  step_column_ = c;
-  cols_ = cols;
-  rows_ = rows;
+  View(first, a, c, rows, cols);
 }
 
 template <class TT>
@@ -271,11 +227,7 @@ void zrMatrix<TT>::SetDirectly(TT* data, int rows, int cols, int stepInLine, int
   if (!zr::detail::MatrixFits(0, rows, cols, stepInLine, stepInColumn))
     throw BadParameters("zrMatrix<T>::SetDirectly : out of range.");
   SetMem(nullptr);
-  p_ = data;
-  step_line_ = stepInLine;
-  step_column_ = stepInColumn;
-  cols_ = cols;
-  rows_ = rows;
+  View(data, stepInLine, stepInColumn, rows, cols);
 }
 
 template <class TT>
@@ -291,19 +243,14 @@ void zrMatrix<TT>::Free() {
 template <class TT>
 void zrMatrix<TT>::Clear() {
   SetMem(nullptr);
-  p_ = nullptr;
-  step_line_ = step_column_ = cols_ = rows_ = 0;
+  View(nullptr, 0, 0, 0, 0);
 }
 
 template <class TT>
 void zrMatrix<TT>::Move(zrMatrix& src) {
   if (&src == this) return;
   SetMem(src.GetMem());
-  p_ = src.p_;
-  step_line_ = src.step_line_;
-  step_column_ = src.step_column_;
-  cols_ = src.cols_;
-  rows_ = src.rows_;
+  View(src.p_, src.step_line_, src.step_column_, src.rows_, src.cols_);
   src.Clear();
 }
 
@@ -443,13 +390,7 @@ template <class TT>
 zrMatrix<TT> zrMatrix<TT>::operator*(const zrMatrix& other) const {
   if (cols_ != other.rows_) throw BadParameters("different size.");
   zrMatrix r(rows_, other.cols_);
-  if constexpr (std::is_same_v<TT, double>) {
-    // The blocked kernel, bit for bit the loop below.
-    zr::detail::Product(zr::detail::ProductVariant::kAuto, rows_, other.cols_, cols_,
-                        {p_, step_column_, step_line_},
-                        {other.p_, other.step_column_, other.step_line_}, r.p_, r.step_column_);
-    return r;
-  }
+  if (zr::detail::MatrixKernels<TT>::Product(*this, other, r)) return r;
   for (int i = 0; i < r.rows_; ++i) {
     for (int j = 0; j < r.cols_; ++j) {
       TT sum = cols_ > 0 ? (*this)(i, 0) * other(0, j) : TT{};
@@ -476,66 +417,39 @@ template <class TT>
 void zrMatrix<TT>::SelfTMulSelf(zrMatrix& out) const {
   // Built aside: out may be this matrix or view its elements.
   zrMatrix r(cols_, cols_);
-  if constexpr (std::is_same_v<TT, double>) {
-    // T() * this on the blocked kernel: the same products in the same order for k <= m,
-    // mirrored.
-    zr::detail::Product(zr::detail::ProductVariant::kAuto, cols_, cols_, rows_,
-                        {p_, step_line_, step_column_}, {p_, step_column_, step_line_}, r.p_,
-                        r.step_column_, true);
-    // An out of another size would be re-created stored by rows: take r's block instead.
-    if (cols_ > 0 && (out.rows_ != cols_ || out.cols_ != cols_)) {
-      out.swap(r);
-    } else {
-      out = r;
-    }
-    return;
-  }
-  for (int k = 0; k < cols_; ++k) {
-    for (int m = k; m < cols_; ++m) {
-      TT sum = rows_ > 0 ? (*this)(0, k) * (*this)(0, m) : TT{};
-      for (int i = 1; i < rows_; ++i) sum = sum + (*this)(i, k) * (*this)(i, m);
-      r(k, m) = sum;
-      if (k != m) r(m, k) = sum;
+  if (!zr::detail::MatrixKernels<TT>::SelfTMulSelf(*this, r)) {
+    for (int k = 0; k < cols_; ++k) {
+      for (int m = k; m < cols_; ++m) {
+        TT sum = rows_ > 0 ? (*this)(0, k) * (*this)(0, m) : TT{};
+        for (int i = 1; i < rows_; ++i) sum = sum + (*this)(i, k) * (*this)(i, m);
+        r(k, m) = sum;
+        if (k != m) r(m, k) = sum;
+      }
     }
   }
-  out = r;
+  // An out of another size would be re-created stored by rows: it takes r's block.
+  if (out.rows_ != cols_ || out.cols_ != cols_) {
+    out.swap(r);
+  } else {
+    out = r;
+  }
 }
 
 template <class TT>
 void zrMatrix<TT>::SolveEquationGaussMethod(zrColumnVector<TT>& x, zrColumnVector<TT>& b) {
   const int n = rows_;
   if (b.Len() != n) throw BadParameters("different size.");
-  zr::detail::PointerBuffer<TT*> rows(n);
-  zr::detail::PointerBuffer<TT*> bp(n);
-  for (int i = 0; i < n; ++i) {
-    rows[i] = &(*this)(i, 0);
-    bp[i] = &b[i];
-  }
-  bool separate = false;
-  if constexpr (std::is_same_v<TT, double>) {
-    separate = zr::detail::GaussSeparate(p_, rows_, cols_, step_line_, step_column_, b.GetPointer(),
-                                         n, b.Tab());
-  }
-  zr::detail::Eliminate(separate, rows.get(), n, cols_, step_line_, bp.get(),
-                        static_cast<TT**>(nullptr), 0);
+  zrSimpleArray<int> perm = zr::detail::Places(n);
   // Solved aside, so that x may share elements with b or this matrix, and x is left as it
   // was when the system has no unique solution.
+  if (zr::detail::Eliminate(*this, &b, static_cast<zrMatrix*>(nullptr), perm.begin()) < n)
+    throw BadParameters(zr::text::kSystemNotUnique);
   zrColumnVector<TT> r(n);
-  if constexpr (std::is_same_v<TT, double>) {
-    if (n <= cols_) {
-      if (zr::detail::AnyZeroDiagonal(rows.get(), n, step_line_))
-        throw BadParameters(ZR_TEXT_SYSTEM_NOT_UNIQUE);
-      zr::detail::GaussBackSolve(rows.get(), n, step_line_, bp.get(), r.GetPointer(), r.Tab());
-      x = r;
-      return;
-    }
-  }
   for (int i = n - 1; i >= 0; --i) {
-    TT xi = *bp[i];
-    for (int m = n - 1; m > i; --m) xi = xi - r[m] * zr::detail::RowAt(rows[i], m, step_line_);
+    const int row = perm[i];
+    TT xi = b[row];
+    for (int m = n - 1; m > i; --m) xi = xi - r[m] * (*this)(row, m);
     r[i] = xi;
-    if (zr::detail::IsZeroPivot(zr::detail::RowAt(rows[i], i, step_line_)))
-      throw BadParameters(ZR_TEXT_SYSTEM_NOT_UNIQUE);
   }
   x = r;
 }
@@ -546,33 +460,18 @@ zrMatrix<TT> zrMatrix<TT>::Inverse1() {
   const int n = rows_;
   zrMatrix e(n, n);
   e.SetE();
-  zr::detail::PointerBuffer<TT*> rows(n);
-  zr::detail::PointerBuffer<TT*> er(n);
-  for (int i = 0; i < n; ++i) {
-    rows[i] = &(*this)(i, 0);
-    er[i] = &e(i, 0);
-  }
-  bool separate = false;
-  if constexpr (std::is_same_v<TT, double>) {
-    separate = zr::detail::GaussSeparate(p_, n, n, step_line_, step_column_, nullptr, 0, 0);
-  }
-  zr::detail::Eliminate(separate, rows.get(), n, cols_, step_line_, static_cast<TT**>(nullptr),
-                        er.get(), n);
+  zrSimpleArray<int> perm = zr::detail::Places(n);
+  if (zr::detail::Eliminate(*this, static_cast<zrVector<TT>*>(nullptr), &e, perm.begin()) < n)
+    throw BadParameters(zr::text::kSystemNotUnique);
   zrMatrix r(n, n);
-  if constexpr (std::is_same_v<TT, double>) {
-    if (zr::detail::AnyZeroDiagonal(rows.get(), n, step_line_))
-      throw BadParameters(ZR_TEXT_SYSTEM_NOT_UNIQUE);
-    zr::detail::GaussBackInverse(rows.get(), n, step_line_, er.get(), r.p_);
-    return r;
-  }
+  if (zr::detail::MatrixKernels<TT>::BackInverse(*this, perm.begin(), e, r)) return r;
   for (int i = n - 1; i >= 0; --i) {
-    for (int c = 0; c < n; ++c) r(i, c) = er[i][c];
+    const int row = perm[i];
+    for (int c = 0; c < n; ++c) r(i, c) = e(row, c);
     for (int m = n - 1; m > i; --m) {
-      const TT a = zr::detail::RowAt(rows[i], m, step_line_);
+      const TT a = (*this)(row, m);
       for (int c = 0; c < n; ++c) r(i, c) = r(i, c) - r(m, c) * a;
     }
-    if (zr::detail::IsZeroPivot(zr::detail::RowAt(rows[i], i, step_line_)))
-      throw BadParameters(ZR_TEXT_SYSTEM_NOT_UNIQUE);
   }
   return r;
 }
@@ -591,17 +490,11 @@ TT zrMatrix<TT>::Det() const {
   if (n == 0) return zr::detail::LinalgOne<TT>();
   zrMatrix copy(*this);
   copy.Copy();
-  zr::detail::PointerBuffer<TT*> rows(n);
-  for (int i = 0; i < n; ++i) rows[i] = &copy(i, 0);
-  bool separate = false;
-  if constexpr (std::is_same_v<TT, double>) {
-    separate =
-        zr::detail::GaussSeparate(copy.p_, n, n, copy.step_line_, copy.step_column_, nullptr, 0, 0);
-  }
-  zr::detail::Eliminate(separate, rows.get(), n, n, copy.step_line_, static_cast<TT**>(nullptr),
-                        static_cast<TT**>(nullptr), 0);
-  TT det = zr::detail::RowAt(rows[0], 0, copy.step_line_);
-  for (int i = 1; i < n; ++i) det = det * zr::detail::RowAt(rows[i], i, copy.step_line_);
+  zrSimpleArray<int> perm = zr::detail::Places(n);
+  zr::detail::Eliminate(copy, static_cast<zrVector<TT>*>(nullptr), static_cast<zrMatrix*>(nullptr),
+                        perm.begin());
+  TT det = copy(perm[0], 0);
+  for (int i = 1; i < n; ++i) det = det * copy(perm[i], i);
   return det;
 }
 
