@@ -2,6 +2,7 @@
 
 #include <cstdint>
 
+#include "zr/numeric/detail/spline_kernel.h"
 #include "zr/numeric/detail/spline_records.h"
 
 namespace zr::detail {
@@ -406,7 +407,7 @@ template <class TT>
 int zrSpline<TT>::Search(const TT& x) const {
   const int n = n_;
   int seg = 0;
-  if (increasing_ && zr::detail::SplineKernels<TT>::Search(tree_, depth_, n, x, seg)) return seg;
+  if (depth_ > 0 && zr::detail::SplineKernels<TT>::Search(tree_, depth_, n, x, seg)) return seg;
   for (int i = 1; i < n; ++i)
     if (X(i) > x) return i - 1;
   return n - 2;
@@ -424,7 +425,8 @@ int zrSpline<TT>::GetSegmentNum(const TT& x, int& hint) const {
   const int n = n_;
   if (increasing_ && hint >= 0 && hint <= n - 2 && X(hint) <= x) {
     // Every abscissa up to x_hint is <= x: the first one above x lies further on.
-    if (!zr::detail::SplineKernels<TT>::SearchFrom(records_.GetPointer(), n, x, hint)) {
+    if (depth_ == 0 ||
+        !zr::detail::SplineKernels<TT>::SearchFrom(records_.GetPointer(), n, x, hint)) {
       int i = hint + 1;
       while (i < n && !(X(i) > x)) ++i;
       hint = i - 1 < n - 2 ? i - 1 : n - 2;

@@ -105,8 +105,7 @@ struct SplineEnds {
 
 // The spline's fast paths, asked first by the class; a member that declines (false, or a
 // depth of 0) leaves the work to the class's own loops. This template declines
-// everything; double's are the library's own (zr/numeric/detail/spline_kernel.cpp) and
-// decline at the plain level.
+// everything; double has the library's own (zr/numeric/detail/spline_kernel.h).
 template <class TT>
 struct SplineKernels {
   static int MakeTree(const TT*, int, zrSimpleArray<TT>&) { return 0; }
@@ -114,22 +113,8 @@ struct SplineKernels {
   static bool SearchFrom(const TT*, int, const TT&, int&) { return false; }
   static bool Cubic(TT*, int, const SplineEnds<TT>&, bool&) { return false; }
 };
-
 template <>
-struct ZR_API SplineKernels<double> {
-  // The search tree of x_1 ... x_(n-2), the abscissas of n non-decreasing records, into
-  // tree; returns its depth.
-  static int MakeTree(const double* records, int n, zrSimpleArray<double>& tree);
-  // The segment of x (within the nodes) through a tree MakeTree made, into seg.
-  static bool Search(const zrSimpleArray<double>& tree, int depth, int n, const double& x,
-                     int& seg);
-  // The segment of x searched forward from hint (0 <= hint <= n - 2, x_hint <= x <=
-  // x_(n-1), non-decreasing records), into hint.
-  static bool SearchFrom(const double* records, int n, const double& x, int& hint);
-  // MkSpline3 after its argument checks: the moments swept, every segment written into
-  // the records and Check()'s tests run on it; ok is their verdict.
-  static bool Cubic(double* records, int n, const SplineEnds<double>& ends, bool& ok);
-};
+struct SplineKernels<double>;
 
 }  // namespace zr::detail
 

@@ -1,12 +1,12 @@
-// The spline's fast paths for double: the search tree and its descent, the forward search
-// from a hint by doubling steps, and the cubic built in one sweep over the records. Plain
-// C++ at every level above the plain one, where each declines.
+// The spline's fast paths for double that run once a build: the search tree and the cubic
+// in one sweep over the records (the searches are inline in spline_kernel.h).
+#include "zr/numeric/detail/spline_kernel.h"
+
 #include <cstdint>
 #include <limits>
 
 #include "zr/core/detail/machine.h"
 #include "zr/numeric/detail/spline_records.h"
-#include "zr/numeric/spline.h"
 
 namespace zr::detail {
 namespace {
@@ -14,12 +14,6 @@ namespace {
 constexpr int kR = kSplineRecord;
 
 bool Declines() { return CurrentLevel() == Level::kPlain; }
-
-// The tree's node 0 (unused) starts a 64-byte line, so nodes 8k ... 8k + 7 share one.
-const double* AlignedNodes(const double* p) {
-  const auto at = reinterpret_cast<std::uintptr_t>(p);
-  return p + (64 - at % 64) % 64 / sizeof(double);
-}
 
 }  // namespace
 
@@ -32,7 +26,7 @@ int SplineKernels<double>::MakeTree(const double* records, int n, zrSimpleArray<
   while ((1LL << depth) - 1 < m) ++depth;
   const int size = static_cast<int>((1LL << depth) - 1);
   tree.Set(size + 1 + 64 / static_cast<int>(sizeof(double)));
-  double* const nodes = const_cast<double*>(AlignedNodes(tree.GetPointer()));
+  double* const nodes = AlignedNodes(tree.GetPointer());
   // The keys in sorted order are the nodes in order of an in-order walk: the one at
   // position p = 1 ... size, with t trailing zero bits, is node p >> (t + 1) of level
   // depth - 1 - t. Taking them in that order reads the records once, front to back.
@@ -48,53 +42,6 @@ int SplineKernels<double>::MakeTree(const double* records, int n, zrSimpleArray<
     }
   }
   return depth;
-}
-
-bool SplineKernels<double>::Search(const zrSimpleArray<double>& tree, int depth, int n,
-                                   const double& x, int& seg) {
-  if (depth == 0 || Declines()) return false;
-  // The first i >= 1 with x_i > x, less one, is the number of keys x_1 ... x_(n-2) that
-  // are <= x (n - 2 at most). Descending the complete tree, right when the key is <= x,
-  // ends at leaf 2^depth + that number; the padding keys (+infinity, after every real key)
-  // only count for x = +infinity, where the bound takes over.
-  const double* const nodes = AlignedNodes(tree.GetPointer());
-  const auto base = reinterpret_cast<std::uintptr_t>(nodes);
-  std::uint64_t k = 1;
-  for (int l = 0; l < depth; ++l) {
-    // Three levels ahead: the eight descendants of k there share one line (the address
-    // may lie past the tree; a prefetch never faults).
-    Prefetch(reinterpret_cast<const void*>(base + 8 * k * sizeof(double)));
-    k = 2 * k + (nodes[k] <= x ? 1 : 0);
-  }
-  const std::int64_t count = static_cast<std::int64_t>(k - (std::uint64_t{1} << depth));
-  seg = count < n - 2 ? static_cast<int>(count) : n - 2;
-  return true;
-}
-
-bool SplineKernels<double>::SearchFrom(const double* records, int n, const double& x, int& hint) {
-  if (Declines()) return false;
-  // From lo = hint (x_lo <= x, and so is every earlier abscissa) the first i with x_i > x
-  // is found by doubling steps, then halving; i = n stands for "none".
-  const auto xAt = [records](int i) { return records[static_cast<std::int64_t>(i) * kR]; };
-  int lo = hint;
-  int hi = n;
-  for (int step = 1; lo + step <= n - 1; step *= 2) {
-    if (xAt(lo + step) > x) {
-      hi = lo + step;
-      break;
-    }
-    lo += step;
-  }
-  while (hi - lo > 1) {
-    const int mid = lo + (hi - lo) / 2;
-    if (xAt(mid) > x) {
-      hi = mid;
-    } else {
-      lo = mid;
-    }
-  }
-  hint = hi - 1 < n - 2 ? hi - 1 : n - 2;
-  return true;
 }
 
 // zrMatrix3Diag's sweep with the rows formed as it reaches them:
