@@ -1,6 +1,7 @@
 #include "zr/numeric/spline.h"
 
 #include <cstdint>
+#include <utility>
 
 #include "zr/numeric/detail/spline_kernel.h"
 #include "zr/numeric/detail/spline_records.h"
@@ -38,13 +39,18 @@ template <class TT>
 zrSpline<TT>& zrSpline<TT>::operator=(const zrSpline& other) {
   if (this == &other) return *this;
   zrSpline copy(other);  // everything that may throw happens before anything changes
-  n_ = copy.n_;
-  records_.swap(copy.records_);
-  tree_.swap(copy.tree_);
-  koef_ = copy.koef_;
-  depth_ = copy.depth_;
-  increasing_ = copy.increasing_;
+  Exchange(copy);
   return *this;
+}
+
+template <class TT>
+void zrSpline<TT>::Exchange(zrSpline& other) {
+  std::swap(n_, other.n_);
+  records_.swap(other.records_);
+  tree_.swap(other.tree_);
+  std::swap(koef_, other.koef_);
+  std::swap(depth_, other.depth_);
+  std::swap(increasing_, other.increasing_);
 }
 
 template <class TT>
@@ -54,16 +60,11 @@ template <class TT>
 void zrSpline<TT>::Set(const zrSimpleArray<zrColumnVector<TT>>& points) {
   const int n = points.Len();
   if (n < 3) throw BadParameters("Spline: number of point must be >= 3");
-  zrSpline s;
+  zrSpline s;  // no segments built
   s.increasing_ = MakeRecords(points, s.records_);
   s.n_ = n;
   s.MakeTree();
-  n_ = n;
-  records_.swap(s.records_);
-  tree_.swap(s.tree_);
-  koef_ = 0;
-  depth_ = s.depth_;
-  increasing_ = s.increasing_;
+  Exchange(s);
 }
 
 // The records are one block of 32-bit count: more points cannot be held.

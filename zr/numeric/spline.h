@@ -234,6 +234,8 @@ class ZR_API zrSpline : public zrUsingNew {
  private:
   TT X(int i) const { return records_.GetPointer()[static_cast<std::int64_t>(i) * kRecord]; }
   TT Y(int i) const { return records_.GetPointer()[static_cast<std::int64_t>(i) * kRecord + 1]; }
+  // Everything of the two splines exchanged.
+  void Exchange(zrSpline& other);
   // "zrSpline: Out of range." unless 0 <= seg < n - 1.
   void CheckSegment(int seg) const;
   // The m-th derivative of segment seg at x, as its polynomial gives it.
