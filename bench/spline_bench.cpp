@@ -1,14 +1,19 @@
 // The natural cubic spline in zr: building it from the library's own form of the data
 // (an array of (x, y) column vectors) and evaluating it at 1e6 points, random or sorted.
-// spline_gsl.cpp has the same cases for gsl_spline. Arg: the number of nodes.
+// spline_gsl.cpp has the same cases for gsl_spline. Arg: the number of nodes. "zr" runs at
+// the best level this machine has, "zr_plain" pinned to the class's own loops (1000 nodes
+// only: its search is the linear scan).
 #include <benchmark/benchmark.h>
 
 #include <vector>
 
 #include "bench_data.h"
+#include "zr/core/detail/machine.h"
 #include "zr/zr.h"
 
 namespace {
+
+using zr::detail::Level;
 
 zrSimpleArray<zrColumnVector<double>> Nodes(int n) {
   zrSimpleArray<zrColumnVector<double>> points(n);
@@ -32,7 +37,8 @@ struct Natural {
 };
 
 // Construction from the points, MkSpline3 (with its check) and destruction.
-void Build(benchmark::State& state) {
+void Build(benchmark::State& state, Level level) {
+  const zr::detail::LevelOverride pin(level);
   const int n = static_cast<int>(state.range(0));
   const zrSimpleArray<zrColumnVector<double>> points = Nodes(n);
   const Natural natural;
@@ -47,8 +53,8 @@ void Build(benchmark::State& state) {
   zr_bench::SetCheck(state, check);
 }
 
-template <bool sorted>
-void Eval(benchmark::State& state) {
+void Eval(benchmark::State& state, Level level, bool sorted) {
+  const zr::detail::LevelOverride pin(level);
   const int n = static_cast<int>(state.range(0));
   zrSpline<double> s(Nodes(n));
   const Natural natural;
@@ -66,14 +72,30 @@ void Eval(benchmark::State& state) {
 
 }  // namespace
 
-BENCHMARK(Build)->Name("spline_build/zr")->Arg(1000)->Arg(1000000)->Unit(benchmark::kMicrosecond);
-BENCHMARK(Eval<false>)
+BENCHMARK_CAPTURE(Build, zr, Level::kAvx512)
+    ->Name("spline_build/zr")
+    ->Arg(1000)
+    ->Arg(1000000)
+    ->Unit(benchmark::kMicrosecond);
+BENCHMARK_CAPTURE(Eval, zr, Level::kAvx512, false)
     ->Name("spline_eval_random/zr")
     ->Arg(1000)
     ->Arg(1000000)
     ->Unit(benchmark::kMillisecond);
-BENCHMARK(Eval<true>)
+BENCHMARK_CAPTURE(Eval, zr, Level::kAvx512, true)
     ->Name("spline_eval_sorted/zr")
     ->Arg(1000)
     ->Arg(1000000)
+    ->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(Build, plain, Level::kPlain)
+    ->Name("spline_build/zr_plain")
+    ->Arg(1000)
+    ->Unit(benchmark::kMicrosecond);
+BENCHMARK_CAPTURE(Eval, plain, Level::kPlain, false)
+    ->Name("spline_eval_random/zr_plain")
+    ->Arg(1000)
+    ->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(Eval, plain, Level::kPlain, true)
+    ->Name("spline_eval_sorted/zr_plain")
+    ->Arg(1000)
     ->Unit(benchmark::kMillisecond);

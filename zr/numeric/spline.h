@@ -30,6 +30,10 @@
 ///     puts both conditions on the left end, the later replacing the earlier, and leaves
 ///     the right end row as it starts, 2*M_(n-1) = 0. codes = (0, 3) with zero values is
 ///     the natural spline, (3, 0) the clamped one. A missing codes element counts as 0.
+///     MkSpline3 solves the system with zrMatrix3Diag::SolveEquationChaserMethod, then
+///     writes the segments, then runs Check(). (For double a faster build sweeps the rows
+///     as it forms them and tests each segment as it writes it: the same operations in the
+///     same order, so the same bits and the same verdict.)
 ///     Segment i = PowerKoef (c0, c1, c2, c3) about x_i:
 ///       c0 = (M_(i+1) - M_i)/(6*h_i), c1 = 0.5*M_i,
 ///       c2 = (y_(i+1) - y_i)/h_i - (M_(i+1)/6 + M_i/3)*h_i, c3 = y_i.
@@ -59,13 +63,13 @@
 /// difference fails.
 ///
 /// Evaluation. GetSegmentNum(x) requires n > 1 and x_0 <= x <= x_(n-1) and returns i - 1
-/// for the first i in 1 ... n-1 with x_i > x, n - 2 when there is none (x = x_(n-1)). When
-/// the abscissas do not decrease (decided whenever the points are taken) this index is
-/// found by a branch-free descent of a search tree kept with the points (x_1 ... x_(n-2)
-/// by levels), which gives the same answer as the scan, ties included; otherwise the scan
-/// itself runs. GetSegmentNum(x, hint) and Value(x, hint) search forward from a previous
-/// answer, for queries that come in increasing order. The explicit-segment forms require
-/// 0 <= seg < n - 1 and do not look at x; Derivative(m, i) requires 0 <= i < n and
+/// for the first i in 1 ... n-1 with x_i > x, n - 2 when there is none (x = x_(n-1)): the
+/// scan over the nodes. When the abscissas do not decrease (decided whenever the points
+/// are taken) double finds the same index, ties included, by a branch-free descent of a
+/// search tree kept with the points (x_1 ... x_(n-2) by levels). GetSegmentNum(x, hint)
+/// and Value(x, hint) scan forward from a previous answer, for queries that come in
+/// increasing order (double: by doubling steps, then halving). The explicit-segment forms
+/// require 0 <= seg < n - 1 and do not look at x; Derivative(m, i) requires 0 <= i < n and
 /// evaluates segment i at x_i (segment n - 2 for the last point).
 ///
 /// Errors (BadParameters): "Spline: number of point must be >= 3" (fewer than 3 points),
@@ -84,6 +88,35 @@
 #include "zr/numeric/polynom.h"
 
 class zrCurve2D;
+
+namespace zr::detail {
+
+// A point of the spline and its segment side by side: x, y, then the segment's
+// coefficients c0 ... c3.
+inline constexpr int kSplineRecord = 6;
+
+// The end rows of the cubic spline's system for the moments: diag0*M_0 + up0*M_1 = d0 and
+// downN*M_(n-2) + diagN*M_(n-1) = dN.
+template <class TT>
+struct SplineEnds {
+  TT diag0, up0, d0;
+  TT diagN, downN, dN;
+};
+
+// The spline's fast paths, asked first by the class; a member that declines (false, or a
+// depth of 0) leaves the work to the class's own loops. This template declines
+// everything; double has the library's own (zr/numeric/detail/spline_kernel.h).
+template <class TT>
+struct SplineKernels {
+  static int MakeTree(const TT*, int, zrSimpleArray<TT>&) { return 0; }
+  static bool Search(const zrSimpleArray<TT>&, int, int, const TT&, int&) { return false; }
+  static bool SearchFrom(const TT*, int, const TT&, int&) { return false; }
+  static bool Cubic(TT*, int, const SplineEnds<TT>&, bool&) { return false; }
+};
+template <>
+struct SplineKernels<double>;
+
+}  // namespace zr::detail
 
 /// An end condition of the cubic spline by name, for zrSpline<TT>::Cubic: a convenience
 /// over the bit codes and the values matrix of MkSpline3, and over MkPeriodSpline3. Each
@@ -201,6 +234,8 @@ class ZR_API zrSpline : public zrUsingNew {
  private:
   TT X(int i) const { return records_.GetPointer()[static_cast<std::int64_t>(i) * kRecord]; }
   TT Y(int i) const { return records_.GetPointer()[static_cast<std::int64_t>(i) * kRecord + 1]; }
+  // Everything of the two splines exchanged.
+  void Exchange(zrSpline& other);
   // "zrSpline: Out of range." unless 0 <= seg < n - 1.
   void CheckSegment(int seg) const;
   // The m-th derivative of segment seg at x, as its polynomial gives it.
@@ -208,6 +243,9 @@ class ZR_API zrSpline : public zrUsingNew {
   // The end-condition count of codes and the values they use, checked; throws before
   // anything is built.
   int CountConditions(const zrSimpleArray<int>& codes, const zrMatrix<TT>& values) const;
+  // MkSpline3's end rows, as the conditions rewrite them.
+  zr::detail::SplineEnds<TT> EndRows(const zrSimpleArray<int>& codes,
+                                     const zrMatrix<TT>& values) const;
   void BuildSegments3(const TT* moments, int periodic);
   // Cubic's body: the checks, the points read through the steps, then the builder.
   void MakeCubic(const TT* x, int xStep, const TT* y, int yStep, int n, const zrSplineEnd& end);
@@ -225,8 +263,9 @@ class ZR_API zrSpline : public zrUsingNew {
   // decrease.
   static int MakeRecords(const zrSimpleArray<zrColumnVector<TT>>& points,
                          zrSimpleArray<TT>& records);
-  static int MakeTree(const zrSimpleArray<TT>& records, zrSimpleArray<TT>& tree);
-  // The search for non-decreasing abscissas and for any, x within the nodes.
+  // The search tree of non-decreasing records into tree_ and depth_ (none: depth 0).
+  void MakeTree();
+  // The segment of x within the nodes.
   int Search(const TT& x) const;
   // Segment seg at x as its polynomial evaluates it.
   TT EvalSegment(int seg, const TT& x) const;
@@ -237,15 +276,13 @@ class ZR_API zrSpline : public zrUsingNew {
   // coefficients of the last record unused); koef_ is the coefficient count of every
   // segment once a builder has run (2 or 4), 0 while the segments are unbuilt (they have
   // no coefficients then).
-  static constexpr int kRecord = 6;
+  static constexpr int kRecord = zr::detail::kSplineRecord;
   zrSimpleArray<TT> records_;
   int koef_ = 0;
-  // For non-decreasing abscissas: x_1 ... x_(n-2) as a complete binary search tree stored
-  // by levels (node k has children 2k and 2k + 1), padded with +infinity to 2^depth_ - 1
-  // keys; node 0 (unused) sits at a 64-byte boundary inside tree_.
+  // For non-decreasing abscissas, the fast search's tree (SplineKernels::MakeTree), of
+  // depth depth_; none when depth_ is 0.
   zrSimpleArray<TT> tree_;
   int depth_ = 0;
-  const TT* TreeNodes() const;
   int increasing_ = 1;  // abscissas do not decrease
 };
 

@@ -1,0 +1,88 @@
+// The spline's fast paths for double: the search tree and its descent, the forward search
+// from a hint by doubling steps, and the cubic built in one sweep over the records. Plain
+// C++, the same at every level above the plain one, where MakeTree and Cubic decline. The
+// searches are asked only for a spline whose tree was made, so a spline whose points were
+// taken at the plain level scans, and no evaluation asks for the level. The searches are
+// inline: they run once a point. Library source, not installed.
+#pragma once
+
+#include <cstdint>
+
+#include "zr/core/detail/machine.h"
+#include "zr/numeric/spline.h"
+
+namespace zr::detail {
+
+template <>
+struct SplineKernels<double> {
+  // The search tree of x_1 ... x_(n-2), the abscissas of n non-decreasing records, into
+  // tree; returns its depth.
+  static int MakeTree(const double* records, int n, zrSimpleArray<double>& tree);
+  // The segment of x (within the nodes) through a tree MakeTree made, into seg.
+  static bool Search(const zrSimpleArray<double>& tree, int depth, int n, const double& x,
+                     int& seg);
+  // The segment of x searched forward from hint (0 <= hint <= n - 2, x_hint <= x <=
+  // x_(n-1), records with a tree), into hint.
+  static bool SearchFrom(const double* records, int n, const double& x, int& hint);
+  // MkSpline3 after its argument checks: the moments swept, every segment written into
+  // the records and Check()'s tests run on it; ok is their verdict.
+  static bool Cubic(double* records, int n, const SplineEnds<double>& ends, bool& ok);
+};
+
+// The tree's node 0 (unused) starts a 64-byte line, so nodes 8k ... 8k + 7 share one.
+template <class T>
+T* AlignedNodes(T* p) {
+  const auto at = reinterpret_cast<std::uintptr_t>(p);
+  return p + (64 - at % 64) % 64 / sizeof(T);
+}
+
+inline bool SplineKernels<double>::Search(const zrSimpleArray<double>& tree, int depth, int n,
+                                          const double& x, int& seg) {
+  if (depth == 0) return false;
+  // The first i >= 1 with x_i > x, less one, is the number of keys x_1 ... x_(n-2) that
+  // are <= x (n - 2 at most). Descending the complete tree, right when the key is <= x,
+  // ends at leaf 2^depth + that number; the padding keys (+infinity, after every real key)
+  // only count for x = +infinity, where the bound takes over.
+  const double* const nodes = AlignedNodes(tree.GetPointer());
+  const auto base = reinterpret_cast<std::uintptr_t>(nodes);
+  std::uint64_t k = 1;
+  for (int l = 0; l < depth; ++l) {
+    // Three levels ahead: the eight descendants of k there share one line (the address
+    // may lie past the tree; a prefetch never faults).
+    Prefetch(reinterpret_cast<const void*>(base + 8 * k * sizeof(double)));
+    k = 2 * k + (nodes[k] <= x ? 1 : 0);
+  }
+  const std::int64_t count = static_cast<std::int64_t>(k - (std::uint64_t{1} << depth));
+  seg = count < n - 2 ? static_cast<int>(count) : n - 2;
+  return true;
+}
+
+inline bool SplineKernels<double>::SearchFrom(const double* records, int n, const double& x,
+                                              int& hint) {
+  // From lo = hint (x_lo <= x, and so is every earlier abscissa) the first i with x_i > x
+  // is found by doubling steps, then halving; i = n stands for "none".
+  const auto xAt = [records](int i) {
+    return records[static_cast<std::int64_t>(i) * kSplineRecord];
+  };
+  int lo = hint;
+  int hi = n;
+  for (int step = 1; lo + step <= n - 1; step *= 2) {
+    if (xAt(lo + step) > x) {
+      hi = lo + step;
+      break;
+    }
+    lo += step;
+  }
+  while (hi - lo > 1) {
+    const int mid = lo + (hi - lo) / 2;
+    if (xAt(mid) > x) {
+      hi = mid;
+    } else {
+      lo = mid;
+    }
+  }
+  hint = hi - 1 < n - 2 ? hi - 1 : n - 2;
+  return true;
+}
+
+}  // namespace zr::detail
