@@ -17,7 +17,6 @@
 
 namespace {
 
-using zr_test::I;
 using A = zrArrayND<double>;
 
 // Steps applied to a view, left to right: "fK" flips axis K, "sKL" exchanges axes K and L,
