@@ -2,12 +2,15 @@
 // dimension 0, axes 0 and 1 exchanged) and, as the floor, a plain loop over the same
 // number of contiguous doubles. Arg: the edge of the square array. The Cube cases and
 // the nd_add ones run the two-operand loops on a 3-D array whose view exchanges axes 0
-// and 2; ndarray_eigen.cpp has the nd_add cases for Eigen's Tensor.
+// and 2; ndarray_eigen.cpp has the nd_add cases for Eigen's Tensor. The Plain rows pin
+// the kernels' plain level (the class's own storage-order loops); the others run at the
+// highest level the processor has.
 #include <benchmark/benchmark.h>
 
 #include <vector>
 
 #include "bench_data.h"
+#include "zr/core/detail/machine.h"
 #include "zr/zr.h"
 
 namespace {
@@ -182,6 +185,13 @@ void IterateView(benchmark::State& state) {
   Items(state, n);
 }
 
+// A case with the kernels pinned at the plain level.
+template <void (*run)(benchmark::State&)>
+void AtPlain(benchmark::State& state) {
+  const zr::detail::LevelOverride pin(zr::detail::Level::kPlain);
+  run(state);
+}
+
 }  // namespace
 
 #define ZR_BENCH_SIZES ->Arg(64)->Arg(512)
@@ -205,6 +215,9 @@ BENCHMARK(PlainAdd<3>)->Name("nd_add_contig/loop") ZR_BENCH_CUBE_SIZES;
 BENCHMARK(AddView<kDense, 3>)->Name("nd_add_contig/zr") ZR_BENCH_CUBE_SIZES;
 BENCHMARK(AddView<kFlipped, 3>)->Name("nd_add_flip/zr") ZR_BENCH_CUBE_SIZES;
 BENCHMARK(AddView<kSwapped, 3>)->Name("nd_add_swap/zr") ZR_BENCH_CUBE_SIZES;
+BENCHMARK(AtPlain<AddView<kDense, 3>>)->Name("PlainAddCube<kDense>") ZR_BENCH_CUBE_SIZES;
+BENCHMARK(AtPlain<AddView<kFlipped, 3>>)->Name("PlainAddCube<kFlipped>") ZR_BENCH_CUBE_SIZES;
+BENCHMARK(AtPlain<AddView<kSwapped, 3>>)->Name("PlainAddCube<kSwapped>") ZR_BENCH_CUBE_SIZES;
 BENCHMARK(CopyView<kDense, 3>)->Name("CopyCube<kDense>")->Arg(128);
 BENCHMARK(CopyView<kFlipped, 3>)->Name("CopyCube<kFlipped>")->Arg(128);
 BENCHMARK(CopyView<kSwapped, 3>)->Name("CopyCube<kSwapped>")->Arg(128);

@@ -3,24 +3,20 @@
 #include <gtest/gtest.h>
 
 #include <climits>
-#include <initializer_list>
 #include <string>
 #include <vector>
 
+#include "support/nd_arrays.h"
 #include "support/test_support.h"
 #include "zr/zr.h"
 
 namespace {
 
 using zr_test::BadParametersText;
+using zr_test::I;
+using L = std::vector<int>;
 
-zrArray<int> I(std::initializer_list<int> values) {
-  zrArray<int> a;
-  for (int v : values) a.push_back(v);
-  return a;
-}
-
-std::vector<int> V(const zrArray<int>& a) { return std::vector<int>(a.begin(), a.end()); }
+L V(const zrArray<int>& a) { return L(a.begin(), a.end()); }
 
 // Opens the protected stepping of Index.
 struct Counters : zrArrayNDAbs::Index {
@@ -33,9 +29,9 @@ struct Counters : zrArrayNDAbs::Index {
 }  // namespace
 
 TEST(ArrayNDAbs, GeometryFromSizesAndStrides) {
-  zrArrayND<double> a(I({3, 4, 5}));
-  EXPECT_EQ(V(a.Tab()), std::vector<int>({1, 3, 12}));
-  EXPECT_EQ(V(a.GetForTab()), std::vector<int>({1, 0, 0}));
+  zrArrayND<double> a(I(3, 4, 5));
+  EXPECT_EQ(V(a.Tab()), L({1, 3, 12}));
+  EXPECT_EQ(V(a.GetForTab()), L({1, 0, 0}));
   EXPECT_TRUE(a.IsCon());
   EXPECT_EQ(a.GetSize(), 60);
   EXPECT_EQ(a.GetEndPos(), 60);
@@ -44,12 +40,12 @@ TEST(ArrayNDAbs, GeometryFromSizesAndStrides) {
 
   zrArrayND<double> gaps;
   double memory[14] = {};
-  gaps.SetDirectly(memory, I({2, 2}), I({1, 10}));
-  EXPECT_EQ(V(gaps.GetForTab()), std::vector<int>({1, 8}));
+  gaps.SetDirectly(memory, I(2, 2), I(1, 10));
+  EXPECT_EQ(V(gaps.GetForTab()), L({1, 8}));
   EXPECT_FALSE(gaps.IsCon());
   EXPECT_EQ(gaps.GetEndPos(), 1 + 10 + 1);
 
-  zrArrayND<double> line(I({5}));
+  zrArrayND<double> line(I(5));
   line.Flip(0);
   EXPECT_EQ(line.NegativeLength(), -4);
   EXPECT_EQ(line.PositiveLength(), 1);
@@ -57,37 +53,34 @@ TEST(ArrayNDAbs, GeometryFromSizesAndStrides) {
 
   EXPECT_EQ(BadParametersText([] { zrArrayND<double> empty{zrArray<int>()}; }),
             "Invalid parameters : zrArrayNDAbs:MkTabFromRange:Array length is zero.");
-  EXPECT_EQ(BadParametersText([&] {
-              gaps.SetDirectly(memory, I({2, 2}), I({1}));
-            }),
+  EXPECT_EQ(BadParametersText([&] { gaps.SetDirectly(memory, I(2, 2), I(1)); }),
             "Invalid parameters : Different dimension");
 }
 
 TEST(ArrayNDAbs, IndexStepsALineAtATime) {
-  zrArrayND<int> a(I({2, 2, 3}));
+  zrArrayND<int> a(I(2, 2, 3));
   Counters c;
   c.Set(&a, false);
   const int* r = a.Range().GetPointer();
-  std::vector<int> carries;
+  L carries;
   for (int k = c.Inc(r); k != 0; k = c.Inc(r)) carries.push_back(k);
-  EXPECT_EQ(carries, std::vector<int>({1, 2, 1, 2, 1}));
-  EXPECT_EQ(V(c), std::vector<int>({0, 0, 0}));  // back at the start
-  EXPECT_EQ(c.Dec(r), 0);                        // wraps to the last line at once
-  EXPECT_EQ(V(c), std::vector<int>({1, 1, 2}));
+  EXPECT_EQ(carries, L({1, 2, 1, 2, 1}));
+  EXPECT_EQ(V(c), L({0, 0, 0}));  // back at the start
+  EXPECT_EQ(c.Dec(r), 0);         // wraps to the last line at once
+  EXPECT_EQ(V(c), L({1, 1, 2}));
   EXPECT_EQ(c.Dec(r), 1);
-  EXPECT_EQ(V(c), std::vector<int>({1, 0, 2}));
+  EXPECT_EQ(V(c), L({1, 0, 2}));
 
-  zrArrayND<int> one(I({4}));
+  zrArrayND<int> one(I(4));
   Counters single;
   single.Set(&one, true);
-  EXPECT_EQ(V(single), std::vector<int>({3}));
+  EXPECT_EQ(V(single), L({3}));
   EXPECT_EQ(single.Inc(one.Range().GetPointer()), 0);
   EXPECT_EQ(single.Dec(one.Range().GetPointer()), 0);
 
-  // The index keeps the sizes it walks alive past the array.
-  Counters kept;
+  Counters kept;  // the index keeps the sizes it walks alive past the array
   {
-    zrArrayND<int> gone(I({3, 2}));
+    zrArrayND<int> gone(I(3, 2));
     kept.Set(&gone, false);
   }
   Counters copy(kept);
@@ -96,94 +89,76 @@ TEST(ArrayNDAbs, IndexStepsALineAtATime) {
 }
 
 TEST(ArrayNDAbs, GetLineWithinClipsByOutcodes) {
-  zrArrayND<int> box(I({4, 4}));
-  zrArray<int> p1 = I({-2, -2});
-  zrArray<int> p2 = I({5, 6});
-  EXPECT_EQ(box.GetLineWithin(p1, p2), 1);
-  EXPECT_EQ(V(p1), std::vector<int>({0, 0}));
-  EXPECT_EQ(V(p2), std::vector<int>({3, 3}));
-
-  p1 = I({1, 2});
-  p2 = I({3, 0});
-  EXPECT_EQ(box.GetLineWithin(p1, p2), 1);
-  EXPECT_EQ(V(p1), std::vector<int>({1, 2}));
-  EXPECT_EQ(V(p2), std::vector<int>({3, 0}));
-
-  p1 = I({-3, -1});
-  p2 = I({-1, 5});
-  EXPECT_EQ(box.GetLineWithin(p1, p2), 0);
-  p1 = I({2, 9});  // vertical: only y moves
-  p2 = I({2, -7});
-  EXPECT_EQ(box.GetLineWithin(p1, p2), 1);
-  EXPECT_EQ(V(p1), std::vector<int>({2, 3}));
-  EXPECT_EQ(V(p2), std::vector<int>({2, 0}));
-
-  // Five moves end the clipping with the points exchanged and one still outside.
-  p1 = I({-6, -1});
-  p2 = I({4, 7});
-  EXPECT_EQ(box.GetLineWithin(p1, p2), 1);
-  EXPECT_EQ(V(p1), std::vector<int>({-1, 3}));
-  EXPECT_EQ(V(p2), std::vector<int>({0, 3}));
-
-  // End points far apart: the slope and the moves are exact, nothing overflows.
-  p1 = I({INT_MIN, INT_MIN});
-  p2 = I({INT_MAX, INT_MAX});
-  EXPECT_EQ(box.GetLineWithin(p1, p2), 1);
-  EXPECT_EQ(V(p1), std::vector<int>({0, 0}));
-  EXPECT_EQ(V(p2), std::vector<int>({3, 3}));
-  p1 = I({INT_MIN, 1});
-  p2 = I({INT_MAX, 2});
-  EXPECT_EQ(box.GetLineWithin(p1, p2), 1);
-  EXPECT_EQ(V(p1), std::vector<int>({0, 1}));
-  EXPECT_EQ(V(p2), std::vector<int>({3, 2}));
-
-  zrArrayND<int> cube(I({2, 2, 2}));
-  EXPECT_EQ(BadParametersText([&] { cube.GetLineWithin(p1, p2); }),
-            "Invalid parameters : Dimension must equal 2 in GetLine.");
-  zrArray<int> p3 = I({1, 1, 1});
-  EXPECT_EQ(BadParametersText([&] { box.GetLineWithin(p1, p3); }),
-            "Invalid parameters : Dimension must equal 2 in GetLine.");
+  const zrArrayND<int> box(I(4, 4));
+  struct Clip {
+    L p1, p2;
+    int inside;
+    L q1, q2;  // the points after clipping
+  };
+  const Clip clips[] = {
+      {{-2, -2}, {5, 6}, 1, {0, 0}, {3, 3}},
+      {{1, 2}, {3, 0}, 1, {1, 2}, {3, 0}},
+      {{-3, -1}, {-1, 5}, 0, {}, {}},
+      {{2, 9}, {2, -7}, 1, {2, 3}, {2, 0}},  // vertical: only y moves
+      // Five moves end the clipping with the points exchanged and one still outside.
+      {{-6, -1}, {4, 7}, 1, {-1, 3}, {0, 3}},
+      // End points far apart: the slope and the moves are exact, nothing overflows.
+      {{INT_MIN, INT_MIN}, {INT_MAX, INT_MAX}, 1, {0, 0}, {3, 3}},
+      {{INT_MIN, 1}, {INT_MAX, 2}, 1, {0, 1}, {3, 2}},
+  };
+  for (const Clip& c : clips) {
+    SCOPED_TRACE(::testing::Message() << c.p1[0] << ' ' << c.p1[1]);
+    zrArray<int> p1 = I(c.p1[0], c.p1[1]);
+    zrArray<int> p2 = I(c.p2[0], c.p2[1]);
+    EXPECT_EQ(box.GetLineWithin(p1, p2), c.inside);
+    EXPECT_EQ(c.inside ? V(p1) : L(), c.q1);
+    EXPECT_EQ(c.inside ? V(p2) : L(), c.q2);
+  }
+  zrArray<int> p2 = I(1, 1);
+  zrArray<int> p3 = I(1, 1, 1);
+  const std::string two = "Invalid parameters : Dimension must equal 2 in GetLine.";
+  EXPECT_EQ(BadParametersText([&] { box.GetLineWithin(p2, p3); }), two);
+  EXPECT_EQ(BadParametersText([&] { zrArrayND<int>(I(2, 2, 2)).GetLineWithin(p2, p2); }), two);
 }
 
 TEST(ArrayNDAbs, NeighbourTables) {
-  const zrArray<int> tab = I({1, 10});
+  const zrArray<int> tab = I(1, 10);
   zrArray<int> out;
   zrArrayNDAbs::MkTabFor4Link(tab, out);
-  EXPECT_EQ(V(out), std::vector<int>({1, -1, 10, -10}));
+  EXPECT_EQ(V(out), L({1, -1, 10, -10}));
   zrArrayNDAbs::MkTabFor8Link(tab, out);
-  EXPECT_EQ(V(out), std::vector<int>({-11, -10, -9, -1, 1, 9, 10, 11}));
+  EXPECT_EQ(V(out), L({-11, -10, -9, -1, 1, 9, 10, 11}));
   zrArrayNDAbs::MkTabForVertexLink(tab, out);
-  EXPECT_EQ(V(out), std::vector<int>({0, 1, 10, 11}));
-  zrArrayNDAbs::MkTabForAp(tab, I({3, 1}), out);
-  EXPECT_EQ(V(out), std::vector<int>({0, 1, 2}));
+  EXPECT_EQ(V(out), L({0, 1, 10, 11}));
+  zrArrayNDAbs::MkTabForAp(tab, I(3, 1), out);
+  EXPECT_EQ(V(out), L({0, 1, 2}));
 
-  const zrArray<int> dense3 = I({1, 3, 9});
-  zrArrayNDAbs::Rcurs2(dense3, out);
+  zrArrayNDAbs::Rcurs2(I(1, 3, 9), out);
   ASSERT_EQ(out.Len(), 27);
-  EXPECT_EQ(out[13], 0);
   for (int i = 0; i < 27; ++i) EXPECT_EQ(out[i], i - 13);  // dense strides count through
-  zrArrayNDAbs::MkTabFor8Link(dense3, out);
+  zrArrayNDAbs::MkTabFor8Link(I(1, 3, 9), out);
   ASSERT_EQ(out.Len(), 26);
-  for (int i = 0; i < 26; ++i) EXPECT_EQ(out[i], -out[25 - i]);
-  EXPECT_EQ(BadParametersText([&] { zrArrayNDAbs::MkTabForAp(tab, I({2}), out); }),
+  for (int i = 0; i < 26; ++i) EXPECT_EQ(out[i], i < 13 ? i - 13 : i - 12);
+  EXPECT_EQ(BadParametersText([&] { zrArrayNDAbs::MkTabForAp(tab, I(2), out); }),
             "Invalid parameters : Different dimension");
 
   // Offsets past the 32-bit range are refused, the output left as it was.
   const std::string offsets = "Invalid parameters : zrArrayNDAbs : Offsets beyond 32 bits.";
-  const zrArray<int> far = I({1 << 30, 1 << 30});
+  const zrArray<int> far = I(1 << 30, 1 << 30);
   EXPECT_EQ(BadParametersText([&] { zrArrayNDAbs::Rcurs2(far, out); }), offsets);
-  EXPECT_EQ(BadParametersText([&] { zrArrayNDAbs::MkTabForAp(far, I({3, 1}), out); }), offsets);
-  EXPECT_EQ(BadParametersText([&] { zrArrayNDAbs::MkTabFor4Link(I({INT_MIN}), out); }), offsets);
+  EXPECT_EQ(BadParametersText([&] { zrArrayNDAbs::MkTabForAp(far, I(3, 1), out); }), offsets);
+  EXPECT_EQ(BadParametersText([&] { zrArrayNDAbs::MkTabFor4Link(I(INT_MIN), out); }), offsets);
   EXPECT_EQ(out.Len(), 26);
-  zrArrayNDAbs::MkTabForAp(I({1 << 30, (1 << 30) - 1}), I({2, 2}), out);  // up to INT_MAX
-  EXPECT_EQ(V(out), std::vector<int>({0, 1 << 30, (1 << 30) - 1, INT_MAX}));
-  zrArrayNDAbs::Rcurs2(I({INT_MAX}), out);
-  EXPECT_EQ(V(out), std::vector<int>({-INT_MAX, 0, INT_MAX}));
+  zrArrayNDAbs::MkTabForAp(I(1 << 30, (1 << 30) - 1), I(2, 2), out);  // up to INT_MAX
+  EXPECT_EQ(V(out), L({0, 1 << 30, (1 << 30) - 1, INT_MAX}));
+  zrArrayNDAbs::Rcurs2(I(INT_MAX), out);
+  EXPECT_EQ(V(out), L({-INT_MAX, 0, INT_MAX}));
 }
 
 TEST(RoundArrayND, StepsRoundAndBack) {
-  const zrArray<int> range = I({2, 2});
-  const zrArray<int> tab = I({1, 2});
+  const std::string out = "Invalid parameters : zrRoundArrayND : Out of range.";
+  const zrArray<int> range = I(2, 2);  // the cursor keeps references to both
+  const zrArray<int> tab = I(1, 2);
   zrRoundArrayND r(range, tab);
   for (int pos = 1; pos <= 3; ++pos) {
     EXPECT_EQ(++r, 1);
@@ -191,42 +166,36 @@ TEST(RoundArrayND, StepsRoundAndBack) {
   }
   EXPECT_EQ(++r, 0);
   EXPECT_EQ(r.GetPos(), 0);
-  EXPECT_EQ(V(r), std::vector<int>({0, 0}));
-
+  EXPECT_EQ(V(r), L({0, 0}));
   EXPECT_EQ(--r, 0);  // from the first position: the ToEnd state
-  EXPECT_EQ(V(r), std::vector<int>({2, 2}));
+  EXPECT_EQ(V(r), L({2, 2}));
   EXPECT_EQ(r.GetPos(), 6);
 
-  zrArray<int> at = I({0, 1});
+  zrArray<int> at = I(0, 1);
   r.ToBegin();
   r.SetPos(at);
   EXPECT_EQ(--r, 1);  // the borrow leaves dimension 0 at its size
-  EXPECT_EQ(V(r), std::vector<int>({2, 0}));
+  EXPECT_EQ(V(r), L({2, 0}));
   EXPECT_EQ(r.GetPos(), 2);
 
-  zrArray<int> one = I({1, 1});
+  zrArray<int> one = I(1, 1);
   zrRoundArrayND fresh(range, tab);
   fresh.SetPos(one);
-  EXPECT_EQ(fresh.GetPos(), 3);
   fresh.SetPos(one);  // adds, does not assign
   EXPECT_EQ(fresh.GetPos(), 6);
-  for (zrArray<int> bad : {I({-1, 0}), I({0, 2})}) {
-    EXPECT_EQ(BadParametersText([&] { fresh.SetPos(bad); }),
-              "Invalid parameters : zrRoundArrayND : Out of range.");
-  }
+  for (zrArray<int> bad : {I(-1, 0), I(0, 2)})
+    EXPECT_EQ(BadParametersText([&] { fresh.SetPos(bad); }), out);
   EXPECT_EQ(fresh.GetPos(), 6);
 
   // Every position, past the end included, must fit Pos: 3 x (2^30 - 1) does not.
-  const zrArray<int> far = I({(1 << 30) - 1});
-  EXPECT_EQ(BadParametersText([&] { zrRoundArrayND over(I({3}), far); }),
-            "Invalid parameters : zrRoundArrayND : Out of range.");
-  const zrArray<int> two = I({2});
+  const zrArray<int> far = I((1 << 30) - 1);
+  EXPECT_EQ(BadParametersText([&] { zrRoundArrayND over(I(3), far); }), out);
+  const zrArray<int> two = I(2);
   zrRoundArrayND edge(two, far);
-  zrArray<int> last = I({1});
+  zrArray<int> last = I(1);
   edge.SetPos(last);
   edge.SetPos(last);
-  EXPECT_EQ(BadParametersText([&] { edge.SetPos(last); }),
-            "Invalid parameters : zrRoundArrayND : Out of range.");
+  EXPECT_EQ(BadParametersText([&] { edge.SetPos(last); }), out);
   EXPECT_EQ(edge.GetPos(), 2 * ((1 << 30) - 1));
   edge.ToEnd();
   EXPECT_EQ(edge.GetPos(), 2 * ((1 << 30) - 1));

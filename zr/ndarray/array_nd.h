@@ -22,25 +22,14 @@
 ///     write through the array's own strides, so a view writes into the array it views;
 ///   - Copy() gives a shared or externally viewed array a private dense copy.
 ///
-/// Every element loop walks lines along dimension 0 with a constant step and joins
-/// lines with one precomputed carry; nothing multiplies indices per element. Where the
-/// order of the walk cannot change the result (Fill, scalar operators, comparisons,
-/// copies between disjoint memory, minimum and maximum) the walk turns reversed axes
-/// round and takes axes in stride order, so a flipped view runs like a dense array. When
-/// two such operands have their shortest steps on different axes (a dense array and an
-/// axis-swapped view), the walk takes the plane of those two axes in small tiles, so
-/// that neither is read across its lines; the elements meet the same partners and give
-/// the same bits as in any other order. For double (the four array operators and the
-/// copies) those tiles are 8 x 8 blocks transposed in vector registers where the
-/// processor has the instructions (chosen at run time, the plain tiles otherwise). A
-/// line that runs backwards while the walk moves forwards (one operand flipped along
-/// dimension 0, the other not) is read in chunks, each after a prefetch a few lines
-/// ahead, since the processor's own prefetching follows only one direction. Where the
-/// order can change the result (operands of the compound operators
-/// that overlap, a target that reaches an element twice, serialisation, Median), the
-/// walk keeps storage order. Min and Max return the first extreme in storage order: a
-/// floating extreme of zero, where +0 and -0 tie, is found again by a walk in storage
-/// order.
+/// Every element loop of the class walks the elements in storage order, dimension 0
+/// fastest, line by line. For double the library has faster walks (see NDKernels) that
+/// take another order where the order cannot change the result (Fill, the scalar
+/// operators, comparisons, minimum and maximum, and a copy or a compound operator whose
+/// target reaches no element twice): they give the bits of the storage-order walk.
+/// Serialisation and Median always keep storage order. Min and Max return the first
+/// extreme in storage order (for a floating extreme of zero, where +0 and -0 tie, the
+/// sign is the first one's).
 ///
 /// Decisions the interface leaves open:
 ///   - sizes must be >= 0; a negative one throws "zrNewWithRef : n <= 0 ", a total beyond
@@ -85,13 +74,43 @@
 #include "zr/ndarray/round_array_nd.h"
 
 namespace zr::detail {
-// The element operation of a two-operand walk, for the vector kernels that know it.
-enum class NDOp { kAssign, kAdd, kSub, kMul, kDiv, kOther };
 
-// Caps the vector kernels of the element walks (0 none, 1 four-wide, 2 eight-wide; never
-// above what the processor has) and returns the cap before. For tests that compare the
-// kernels with the plain walk.
-ZR_API int NDVectorLevel(int level);
+// The element operation of a walk that a kernel may run: a = b, a += b, ... (a op= value
+// for the scalar forms).
+enum class NDOp { kAssign, kAdd, kSub, kMul, kDiv };
+
+// The walks of zrArrayND<T> that a faster kernel may take over. The class asks first and
+// runs its own storage-order loop when the kernel declines (returns false), as this
+// primary does for every type. The operands have n >= 1 dimensions of sizes range (each
+// >= 1) and strides ta, tb; a pair's operands share no element, unless b is a itself
+// (same origin and strides). A kernel gives the bits of the storage-order loop.
+template <class T>
+struct NDKernels {
+  // a op= b element by element.
+  static bool Pair(NDOp, int, const int*, T*, const int*, const T*, const int*) { return false; }
+  // a op= value for every element.
+  static bool Scalar(NDOp, int, const int*, T*, const int*, T) { return false; }
+  // equal: every element of a equals its partner in b.
+  static bool Equal(int, const int*, const T*, const int*, const T*, const int*, bool&) {
+    return false;
+  }
+  // lo, hi: the least and the greatest element, the first in storage order.
+  static bool MinMax(int, const int*, const T*, const int*, T&, T&) { return false; }
+};
+
+// The library's kernels for double (zr/ndarray/detail/), at the level
+// zr::detail::CurrentLevel() gives; the plain level declines.
+template <>
+struct ZR_API NDKernels<double> {
+  static bool Pair(NDOp op, int n, const int* range, double* a, const int* ta, const double* b,
+                   const int* tb);
+  static bool Scalar(NDOp op, int n, const int* range, double* a, const int* ta, double value);
+  static bool Equal(int n, const int* range, const double* a, const int* ta, const double* b,
+                    const int* tb, bool& equal);
+  static bool MinMax(int n, const int* range, const double* a, const int* ta, double& lo,
+                     double& hi);
+};
+
 }  // namespace zr::detail
 
 /// The typed N-dimensional array of T: a zrArrayNDAbs geometry over a reference-counted
@@ -107,18 +126,15 @@ template <class T>
 class ZR_API zrArrayND : public zrArrayNDAbs {
   ZR_TYPE_IDENTITY
 
- public:
-  // The iterators: counters (the Index base, from dimension 1 up), the current element,
-  // the elements left on its line, the sizes, the carry increments, the step along a line
-  // and the contiguity flag. Each step adds the step and counts down the line; at a
-  // line's end a non-contiguous walk carries (a contiguous one is a single line). end() stands at
-  // GetPointer() + GetEndPos(), where the walk leaves the pointer; since that address can be an
-  // element's own (a 3 x 2 array flipped along dimension 0 has EndPos 0, a step of 0 leaves the
-  // pointer where it was), every walk also marks its end, and iterators compare equal when both
-  // address and mark agree. Changing the array's geometry or storage invalidates them.
-  /// The forward iterator of begin() and end() (iterator, const_iterator): it visits every
-  /// element once, in storage order. Changing the array's geometry or storage invalidates
-  /// it. See the example docs/examples.md#guide_ndarray, a range-for over an array.
+  // The class template behind iterator and const_iterator (private: name the iterators by
+  // those two). It holds counters (the Index base, from dimension 1 up), the current
+  // element, the elements left on its line, the sizes, the carry increments, the step
+  // along a line and the contiguity flag. Each step adds the step and counts down the
+  // line; at a line's end a non-contiguous walk carries (a contiguous one is a single
+  // line). end() stands at GetPointer() + GetEndPos(), where the walk leaves the pointer;
+  // since that address can be an element's own (a 3 x 2 array flipped along dimension 0
+  // has EndPos 0, a step of 0 leaves the pointer where it was), every walk also marks its
+  // end, and iterators compare equal when both address and mark agree.
   template <class E>
   class Iter : public zrArrayNDAbs::Index {
    public:
@@ -196,6 +212,9 @@ class ZR_API zrArrayND : public zrArrayNDAbs {
 
  public:
   using value_type = T;
+  /// The forward iterators of begin() and end(): they visit every element once, in
+  /// storage order. Changing the array's geometry or storage invalidates them. See the
+  /// example docs/examples.md#guide_ndarray, a range-for over an array.
   using iterator = Iter<T>;
   using const_iterator = Iter<const T>;
 
@@ -356,16 +375,23 @@ class ZR_API zrArrayND : public zrArrayNDAbs {
   // The origin lies offset elements from base.
   void View(const zrPArray& holder, const T* base, std::int64_t offset, const zrArray<int>& range,
             const zrArray<int>& tab);
+  // x op= value for every element x: the kernel's walk or f(x) in storage order.
   template <class F>
-  void Each(F f);
+  void Each(zr::detail::NDOp op, const T& value, F f);
   // The offset of index i along dimension k, in elements.
   std::ptrdiff_t Offset(int i, int k) const {
     return static_cast<std::ptrdiff_t>(i) * Tab().GetPointer()[k];
   }
   // at()'s checks: count indices for the dimensions, each inside its range.
   void CheckIndex(const int* index, int count) const;
-  template <zr::detail::NDOp op, class F>
-  void EachPair(const zrArrayND& other, F f);
+  // The compound operators: sizes checked, an overlapping source copied first, then
+  // Lockstep.
+  template <class F>
+  void EachPair(zr::detail::NDOp op, const zrArrayND& other, F f);
+  // f(x, y) for the elements at equal multi-indices of this array and other (equal sizes,
+  // elements, no overlap but with itself): the kernel's walk or storage order.
+  template <class F>
+  void Lockstep(zr::detail::NDOp op, const zrArrayND& other, F f);
 
   T* p_ = nullptr;  // element at multi-index (0, ..., 0)
 };

@@ -16,315 +16,20 @@
 
 namespace zr::detail {
 
-// Scratch ints for a walk: on the stack for the usual dimension counts, else a block.
-class NDScratch {
- public:
-  explicit NDScratch(int n) {
-    if (n > kLocal) heap_.Set(n);
-    p_ = n > kLocal ? heap_.GetPointer() : local_;
-  }
-  int* get() { return p_; }
-
- private:
-  static constexpr int kLocal = 48;
-  int local_[kLocal] = {};
-  zrArray<int> heap_;
-  int* p_;
-};
-
-enum class NDOrder {
-  kStorage,   // storage order, dimension 0 fastest
-  kAny,       // any order that visits each multi-index once
-  kAnyIfLead  // any order when the first operand reaches no element twice
-};
-
-// Tiles for two operands whose fastest axes differ: a tile's lines run along the first
-// operand's fastest axis for one cache line of it, and there are as many lines as fill
-// two cache lines of the second operand along its own fastest axis (at least 16), so
-// that both operands' lines of a tile stay in the first-level cache and are used whole.
-// Longer or square tiles measured slower, most of all for strides that are powers of
-// two, whose lines share cache sets.
-template <class A>
-constexpr int NDTileLine() {
-  return sizeof(A) >= 64 ? 1 : static_cast<int>(64 / sizeof(A));
-}
-template <class B>
-constexpr int NDTileLines() {
-  return sizeof(B) >= 8 ? 16 : static_cast<int>(128 / sizeof(B));
-}
-
-// An r0 x r1 plane of two double operands whose lines cross: the first operand's run
-// along axis 0 (step 1, lines a1 apart), the second's along axis 1 (step 1, lines b0
-// apart), with no overlap between them. Runs a = a op b on every pair through
-// transposing vector kernels (8 x 8 blocks) where the processor has them, and returns
-// false without touching anything where it has not.
-bool NDCrossPlane(NDOp op, int r0, int r1, double* a, int a1, const double* b, int b0);
-
-// The plane hook of a walk that has no vector kernel.
-struct NDNoPlane {
-  template <class A, class B>
-  bool operator()(int, int, A*, int, int, B*, int, int) const {
-    return false;
-  }
-};
-
-// Lines whose step is -1 while the next line lies above them read memory against the
-// walk's direction, which the processor's stream detection does not follow: such lines
-// are run in chunks, each after a prefetch of the same chunk a few lines ahead.
+// The storage-order walk over two operands of equal sizes: line(count, a, sa, b, sb) for
+// every line along dimension 0 (its first elements, its length and the steps along it),
+// the lines of dimensions 1 ... k in storage order, until line returns false (then so does
+// the walk). Sizes are >= 1; a pointer moves only while another line follows, so none is
+// formed outside the operands.
 template <class A, class B, class F>
-bool RunPrefetched(int count, A* pa, int sa, std::intptr_t aheadA, B* pb, int sb,
-                   std::intptr_t aheadB, F& line) {
-  constexpr int kChunk = sizeof(A) >= 8 ? 64 : static_cast<int>(512 / sizeof(A));
-  for (int i = 0; i < count; i += kChunk) {
-    const int n = count - i < kChunk ? count - i : kChunk;
-    A* const la = pa + static_cast<std::ptrdiff_t>(i) * sa;
-    B* const lb = pb + static_cast<std::ptrdiff_t>(i) * sb;
-#if defined(__GNUC__) || defined(__clang__)
-    // Written out here: a helper holding nothing but prefetches counts as free of effects
-    // and is dropped with its calls. A prefetch never faults, so its address may lie
-    // past an operand's end.
-    if (aheadA != 0)
-      for (int off = 0; off < n * static_cast<int>(sizeof(A)); off += 64)
-        __builtin_prefetch(reinterpret_cast<const char*>(la) + aheadA - off);
-    if (aheadB != 0)
-      for (int off = 0; off < n * static_cast<int>(sizeof(B)); off += 64)
-        __builtin_prefetch(reinterpret_cast<const char*>(lb) + aheadB - off);
-#endif
-    if (!line(n, la, sa, lb, sb)) return false;
+bool NDLines(int k, const int* range, A* a, const int* ta, B* b, const int* tb, F& line) {
+  if (k == 0) return line(range[0], a, ta[0], b, tb[0]);
+  for (int i = 1;; ++i) {
+    if (!NDLines(k - 1, range, a, ta, b, tb, line)) return false;
+    if (i == range[k]) return true;
+    a += ta[k];
+    b += tb[k];
   }
-  return true;
-}
-
-// Walks an r0 x r1 plane of two operands in tiles, each tile as lines along axis 0
-// (steps a0, b0) one step of axis 1 (a1, b1) apart. Pointers move only while another
-// line or tile follows, so none is formed outside the operands.
-template <class A, class B, class F>
-bool WalkTiles(int r0, int r1, A* pa, int a0, int a1, B* pb, int b0, int b1, F& line) {
-  constexpr int kLine = NDTileLine<A>();
-  constexpr int kLines = NDTileLines<B>();
-  const std::ptrdiff_t ta = static_cast<std::ptrdiff_t>(kLine) * a0;
-  const std::ptrdiff_t tb = static_cast<std::ptrdiff_t>(kLine) * b0;
-  const std::ptrdiff_t ua = static_cast<std::ptrdiff_t>(kLines) * a1;
-  const std::ptrdiff_t ub = static_cast<std::ptrdiff_t>(kLines) * b1;
-  for (int j = 0;;) {
-    const int nj = r1 - j < kLines ? r1 - j : kLines;
-    A* qa = pa;
-    B* qb = pb;
-    for (int i = 0;;) {
-      const int ni = r0 - i < kLine ? r0 - i : kLine;
-      A* la = qa;
-      B* lb = qb;
-      for (int k = 0;;) {
-        // A full line with a constant count, which the compiler unrolls.
-        if (!(ni == kLine ? line(kLine, la, a0, lb, b0) : line(ni, la, a0, lb, b0))) return false;
-        if (++k == nj) break;
-        la += a1;
-        lb += b1;
-      }
-      i += kLine;
-      if (i >= r0) break;
-      qa += ta;
-      qb += tb;
-    }
-    j += kLines;
-    if (j >= r1) return true;
-    pa += ua;
-    pb += ub;
-  }
-}
-
-// Walks two operands of equal sizes (n dimensions, strides ta and tb) in step, line by
-// line: line(count, a, sa, b, sb) gets the first element of each operand on a line, the
-// number of elements on it and the steps along it, and returns false to stop the walk
-// (WalkPair then returns false too). Axes of size 1 are dropped and axes that continue
-// one another in both operands are merged, so a contiguous pair is one line. With a
-// free order the axes of the first operand are also turned to positive strides and
-// sorted by stride; when the second operand's shortest step then lies on another axis
-// than the first's, the plane of those two axes is walked in tiles (WalkTiles), so that
-// neither operand is read across its lines. Lines (or planes) are joined by one addition
-// of a carry per operand.
-template <class A, class B, class F, class P>
-bool WalkPair(int n, const int* range, A* pa, const int* ta, B* pb, const int* tb, NDOrder order,
-              F line, P plane) {
-  if (n == 0) return true;  // no dimensions, no elements
-  for (int k = 0; k < n; ++k)
-    if (range[k] <= 0) return true;
-  NDScratch scratch(6 * n);
-  int* const r = scratch.get();
-  int* const a = r + n;
-  int* const b = a + n;
-  int* const ca = b + n;
-  int* const cb = ca + n;
-  int* const count = cb + n;
-  int m = 0;
-  for (int k = 0; k < n; ++k) {
-    if (range[k] == 1) continue;
-    r[m] = range[k];
-    a[m] = ta[k];
-    b[m] = tb[k];
-    ++m;
-  }
-  bool free = false;
-  if (order != NDOrder::kStorage && m > 0) {
-    A* qa = pa;
-    B* qb = pb;
-    for (int i = 0; i < m; ++i) {
-      if (a[i] >= 0) continue;
-      qa += (r[i] - 1) * a[i];
-      qb += (r[i] - 1) * b[i];
-      a[i] = -a[i];
-      b[i] = -b[i];
-    }
-    for (int i = 1; i < m; ++i)
-      for (int j = i; j > 0 && a[j] < a[j - 1]; --j) {
-        std::swap(r[j], r[j - 1]);
-        std::swap(a[j], a[j - 1]);
-        std::swap(b[j], b[j - 1]);
-      }
-    // Sorted strides reach each element once when every stride exceeds the span of the
-    // axes before it.
-    bool once = a[0] > 0;
-    std::int64_t span = static_cast<std::int64_t>(r[0] - 1) * a[0];
-    for (int i = 1; i < m && once; ++i) {
-      once = a[i] > span;
-      span += static_cast<std::int64_t>(r[i] - 1) * a[i];
-    }
-    if (once || order == NDOrder::kAny) {
-      pa = qa;
-      pb = qb;
-      free = true;
-    } else {
-      m = 0;  // back to storage order
-      for (int k = 0; k < n; ++k) {
-        if (range[k] == 1) continue;
-        r[m] = range[k];
-        a[m] = ta[k];
-        b[m] = tb[k];
-        ++m;
-      }
-    }
-  }
-  if (m == 0) return line(1, pa, 0, pb, 0);
-  int d = 0;
-  for (int i = 1; i < m; ++i) {
-    if (a[i] == static_cast<std::int64_t>(r[d]) * a[d] &&
-        b[i] == static_cast<std::int64_t>(r[d]) * b[d]) {
-      r[d] *= r[i];
-    } else {
-      ++d;
-      r[d] = r[i];
-      a[d] = a[i];
-      b[d] = b[i];
-    }
-  }
-  m = d + 1;
-  // Tiles: the axis of the second operand's shortest step moves to place 1, keeping the
-  // order of the others.
-  int inner = 1;
-  if (free && m > 1) {
-    const auto step = [](int s) { return s < 0 ? -static_cast<std::int64_t>(s) : s; };
-    int j = 0;
-    for (int i = 1; i < m; ++i)
-      if (step(b[i]) < step(b[j])) j = i;
-    if (j > 0) {
-      for (; j > 1; --j) {
-        std::swap(r[j], r[j - 1]);
-        std::swap(a[j], a[j - 1]);
-        std::swap(b[j], b[j - 1]);
-      }
-      inner = 2;
-    }
-  }
-  // ca[k]: from the start of the last line (plane) with dimension k - 1 ... inner at
-  // their last index to the start of the next one.
-  // Each is the distance between two elements of the operand, which fits in 32 bits;
-  // the product on the way does not always.
-  for (int k = inner; k < m; ++k) {
-    ca[k] =
-        k == inner
-            ? a[k]
-            : static_cast<int>(ca[k - 1] + a[k] - static_cast<std::int64_t>(r[k - 1]) * a[k - 1]);
-    cb[k] =
-        k == inner
-            ? b[k]
-            : static_cast<int>(cb[k - 1] + b[k] - static_cast<std::int64_t>(r[k - 1]) * b[k - 1]);
-    count[k] = 0;
-  }
-  // Reversed lines stepping up to the next: prefetch distance of about 4 KiB (whole lines).
-  std::intptr_t aheadA = 0;
-  std::intptr_t aheadB = 0;
-  if (inner == 1 && m > 1) {
-    const auto ahead = [&r](int s0, int s1, std::size_t size) -> std::intptr_t {
-      if (s0 != -1 || s1 <= 0) return 0;
-      const std::intptr_t bytes =
-          static_cast<std::intptr_t>(r[0]) * static_cast<std::intptr_t>(size);
-      const std::intptr_t lines = (4096 + bytes - 1) / bytes;
-      return lines * s1 * static_cast<std::intptr_t>(size);
-    };
-    aheadA = ahead(a[0], a[1], sizeof(A));
-    // A one-operand walk passes its operand twice.
-    const bool same = static_cast<const void*>(pa) == static_cast<const void*>(pb) &&
-                      a[0] == b[0] && a[1] == b[1];
-    aheadB = same ? 0 : ahead(b[0], b[1], sizeof(B));
-  }
-  const bool prefetch = aheadA != 0 || aheadB != 0;
-  for (;;) {
-    if (inner == 1) {
-      if (!(prefetch ? RunPrefetched(r[0], pa, a[0], aheadA, pb, b[0], aheadB, line)
-                     : line(r[0], pa, a[0], pb, b[0])))
-        return false;
-    } else if (!plane(r[0], r[1], pa, a[0], a[1], pb, b[0], b[1]) &&
-               !WalkTiles(r[0], r[1], pa, a[0], a[1], pb, b[0], b[1], line)) {
-      return false;
-    }
-    int k = inner;
-    for (; k < m; ++k) {
-      if (++count[k] < r[k]) break;
-      count[k] = 0;
-    }
-    if (k >= m) return true;
-    pa += ca[k];
-    pb += cb[k];
-  }
-}
-
-template <class A, class B, class F>
-bool WalkPair(int n, const int* range, A* pa, const int* ta, B* pb, const int* tb, NDOrder order,
-              F line) {
-  return WalkPair(n, range, pa, ta, pb, tb, order, line, NDNoPlane());
-}
-
-// The plane hook for the operation op on elements of type T.
-template <class T, NDOp op>
-struct NDPlane {
-  bool operator()(int r0, int r1, T* a, int a0, int a1, const T* b, int b0, int b1) const {
-    if constexpr (std::is_same_v<T, double> && op != NDOp::kOther) {
-      if (a0 == 1 && b1 == 1) return NDCrossPlane(op, r0, r1, a, a1, b, b0);
-    }
-    (void)r0, (void)r1, (void)a, (void)a0, (void)a1, (void)b, (void)b0, (void)b1;
-    return false;
-  }
-};
-
-// Runs g over one line of two operands, with straight loops for the common steps.
-template <class A, class B, class G>
-bool RunLine(int count, A* a, int sa, B* b, int sb, G g) {
-  if (sa == 1 && sb == 1) {
-    for (int i = 0; i < count; ++i) g(a[i], b[i]);
-  } else if (sa == 1 && sb == -1) {
-    for (int i = 0; i < count; ++i) g(a[i], b[-i]);
-  } else if (sa == 1) {
-    std::ptrdiff_t ib = 0;
-    for (int i = 0; i < count; ++i, ib += sb) g(a[i], b[ib]);
-  } else if (sa == -1 && sb == -1) {
-    for (int i = 0; i < count; ++i) g(a[-i], b[-i]);
-  } else {
-    // The index one step past a line's end need not fit in 32 bits.
-    std::ptrdiff_t ia = 0;
-    std::ptrdiff_t ib = 0;
-    for (int i = 0; i < count; ++i, ia += sa, ib += sb) g(a[ia], b[ib]);
-  }
-  return true;
 }
 
 // Whether the element ranges of two arrays meet (arrays without elements meet nothing).
@@ -372,13 +77,7 @@ template <class T>
 zrArrayND<T>::zrArrayND(const zrArrayND& other) : zrArrayNDAbs() {
   if (other.GetDim() == 0) return;
   Set(other.Range());
-  zr::detail::WalkPair(
-      GetDim(), Range().GetPointer(), p_, Tab().GetPointer(), other.p_, other.Tab().GetPointer(),
-      zr::detail::NDOrder::kAny,
-      [](int n, T* a, int sa, const T* b, int sb) {
-        return zr::detail::RunLine(n, a, sa, b, sb, [](T& x, const T& y) { x = y; });
-      },
-      zr::detail::NDPlane<T, zr::detail::NDOp::kAssign>());
+  Lockstep(zr::detail::NDOp::kAssign, other, [](T& x, const T& y) { x = y; });
 }
 
 template <class T>
@@ -395,13 +94,7 @@ zrArrayND<T>& zrArrayND<T>::operator=(const zrArrayND& other) {
     const zrArrayND copy(other);
     return *this = copy;
   }
-  zr::detail::WalkPair(
-      GetDim(), Range().GetPointer(), p_, Tab().GetPointer(), other.p_, other.Tab().GetPointer(),
-      zr::detail::NDOrder::kAnyIfLead,
-      [](int n, T* a, int sa, const T* b, int sb) {
-        return zr::detail::RunLine(n, a, sa, b, sb, [](T& x, const T& y) { x = y; });
-      },
-      zr::detail::NDPlane<T, zr::detail::NDOp::kAssign>());
+  Lockstep(zr::detail::NDOp::kAssign, other, [](T& x, const T& y) { x = y; });
   return *this;
 }
 
@@ -658,17 +351,21 @@ void zrArrayND<T>::MakeCoord(zrArray<int>& coord, const T* p) const {
 
 template <class T>
 template <class F>
-void zrArrayND<T>::Each(F f) {
-  const int* const tab = GetDim() > 0 ? Tab().GetPointer() : nullptr;
-  zr::detail::WalkPair(GetDim(), Range().GetPointer(), p_, tab, p_, tab, zr::detail::NDOrder::kAny,
-                       [f](int n, T* a, int sa, T*, int) {
-                         return zr::detail::RunLine(n, a, sa, a, sa, [f](T& x, T&) { f(x); });
-                       });
+void zrArrayND<T>::Each(zr::detail::NDOp op, const T& value, F f) {
+  if (GetSize() == 0) return;
+  const int* const tab = Tab().GetPointer();
+  if (zr::detail::NDKernels<T>::Scalar(op, GetDim(), Range().GetPointer(), p_, tab, value)) return;
+  auto line = [f](int n, T* a, int sa, T*, int) {
+    std::ptrdiff_t ia = 0;
+    for (int i = 0; i < n; ++i, ia += sa) f(a[ia]);
+    return true;
+  };
+  zr::detail::NDLines(GetDim() - 1, Range().GetPointer(), p_, tab, p_, tab, line);
 }
 
 template <class T>
-template <zr::detail::NDOp op, class F>
-void zrArrayND<T>::EachPair(const zrArrayND& other, F f) {
+template <class F>
+void zrArrayND<T>::EachPair(zr::detail::NDOp op, const zrArrayND& other, F f) {
   if (GetDim() != other.GetDim()) throw BadParameters("Different dimension");
   if (!(Range() == other.Range())) throw BadParameters("Different range");
   // A source that shares elements with the target is read whole first, as operator=
@@ -676,33 +373,44 @@ void zrArrayND<T>::EachPair(const zrArrayND& other, F f) {
   // itself alone).
   if (zr::detail::NDOverlap(*this, other) && !(p_ == other.p_ && Tab() == other.Tab())) {
     const zrArrayND copy(other);
-    EachPair<op>(copy, f);
+    Lockstep(op, copy, f);
     return;
   }
-  zr::detail::WalkPair(
-      GetDim(), Range().GetPointer(), p_, Tab().GetPointer(), other.p_, other.Tab().GetPointer(),
-      zr::detail::NDOrder::kAnyIfLead,
-      [f](int n, T* a, int sa, const T* b, int sb) {
-        return zr::detail::RunLine(n, a, sa, b, sb, f);
-      },
-      zr::detail::NDPlane<T, op>());
+  Lockstep(op, other, f);
+}
+
+template <class T>
+template <class F>
+void zrArrayND<T>::Lockstep(zr::detail::NDOp op, const zrArrayND& other, F f) {
+  if (GetSize() == 0) return;
+  const int* const ta = Tab().GetPointer();
+  const int* const tb = other.Tab().GetPointer();
+  if (zr::detail::NDKernels<T>::Pair(op, GetDim(), Range().GetPointer(), p_, ta, other.p_, tb))
+    return;
+  auto line = [f](int n, T* a, int sa, const T* b, int sb) {
+    std::ptrdiff_t ia = 0;
+    std::ptrdiff_t ib = 0;
+    for (int i = 0; i < n; ++i, ia += sa, ib += sb) f(a[ia], b[ib]);
+    return true;
+  };
+  zr::detail::NDLines(GetDim() - 1, Range().GetPointer(), p_, ta, other.p_, tb, line);
 }
 
 template <class T>
 void zrArrayND<T>::Fill(T value) {
-  Each([value](T& x) { x = value; });
+  Each(zr::detail::NDOp::kAssign, value, [value](T& x) { x = value; });
 }
 
 #define ZR_DETAIL_ARRAY_ND_OPERATORS(op_assign, op)                                 \
   template <class T>                                                                \
   zrArrayND<T>& zrArrayND<T>::operator op_assign(const zrArrayND& other) {          \
-    EachPair<zr::detail::NDOp::op>(other, [](T& x, const T& y) { x op_assign y; }); \
+    EachPair(zr::detail::NDOp::op, other, [](T& x, const T& y) { x op_assign y; }); \
     return *this;                                                                   \
   }                                                                                 \
   template <class T>                                                                \
   zrArrayND<T>& zrArrayND<T>::operator op_assign(const T& value) {                  \
     const T v = value;                                                              \
-    Each([v](T& x) { x op_assign v; });                                             \
+    Each(zr::detail::NDOp::op, v, [v](T& x) { x op_assign v; });                    \
     return *this;                                                                   \
   }
 ZR_DETAIL_ARRAY_ND_OPERATORS(+=, kAdd)
@@ -714,17 +422,21 @@ ZR_DETAIL_ARRAY_ND_OPERATORS(/=, kDiv)
 template <class T>
 int zrArrayND<T>::operator==(const zrArrayND& other) const {
   if (GetDim() != other.GetDim() || !(Range() == other.Range())) return 0;
-  if (GetDim() == 0) return 1;
-  const bool equal = zr::detail::WalkPair(
-      GetDim(), Range().GetPointer(), p_, Tab().GetPointer(), other.p_, other.Tab().GetPointer(),
-      zr::detail::NDOrder::kAny, [](int n, const T* a, int sa, const T* b, int sb) {
-        std::ptrdiff_t ia = 0;
-        std::ptrdiff_t ib = 0;
-        for (int i = 0; i < n; ++i, ia += sa, ib += sb)
-          if (!(a[ia] == b[ib])) return false;
-        return true;
-      });
-  return equal ? 1 : 0;
+  if (GetSize() == 0) return 1;
+  const int* const ta = Tab().GetPointer();
+  const int* const tb = other.Tab().GetPointer();
+  bool equal = true;
+  if (zr::detail::NDKernels<T>::Equal(GetDim(), Range().GetPointer(), p_, ta, other.p_, tb, equal))
+    return equal ? 1 : 0;
+  auto line = [](int n, const T* a, int sa, const T* b, int sb) {
+    std::ptrdiff_t ia = 0;
+    std::ptrdiff_t ib = 0;
+    for (int i = 0; i < n; ++i, ia += sa, ib += sb)
+      if (!(a[ia] == b[ib])) return false;
+    return true;
+  };
+  return zr::detail::NDLines(GetDim() - 1, Range().GetPointer(), p_, ta, other.p_, tb, line) ? 1
+                                                                                             : 0;
 }
 
 template <class T>
@@ -736,26 +448,19 @@ template <class T>
 void zrArrayND<T>::MinAndMax(T& min, T& max) const {
   if (GetSize() == 0) zr::detail::ThrowEmptyND();
   const int* const tab = Tab().GetPointer();
-  const auto walk = [this, tab](zr::detail::NDOrder order, T& lo, T& hi) {
-    lo = *p_;
-    hi = *p_;
-    zr::detail::WalkPair(GetDim(), Range().GetPointer(), p_, tab, p_, tab, order,
-                         [&lo, &hi](int n, const T* a, int sa, const T*, int) {
-                           return zr::detail::RunLine(n, a, sa, a, sa,
-                                                      [&lo, &hi](const T& x, const T&) {
-                                                        if (x < lo) lo = x;
-                                                        if (hi < x) hi = x;
-                                                      });
-                         });
+  if (zr::detail::NDKernels<T>::MinMax(GetDim(), Range().GetPointer(), p_, tab, min, max)) return;
+  // From the origin element on: a NaN there stays, a NaN elsewhere never enters.
+  T lo = *p_;
+  T hi = *p_;
+  auto line = [&lo, &hi](int n, const T* a, int sa, const T*, int) {
+    std::ptrdiff_t ia = 0;
+    for (int i = 0; i < n; ++i, ia += sa) {
+      if (a[ia] < lo) lo = a[ia];
+      if (hi < a[ia]) hi = a[ia];
+    }
+    return true;
   };
-  // Both walks start from the origin element, so a NaN there wins either way and a NaN
-  // elsewhere never does. The order matters only for extremes that compare equal but
-  // differ, which among these types are the signed zeros: then storage order decides.
-  T lo;
-  T hi;
-  walk(zr::detail::NDOrder::kAny, lo, hi);
-  if (std::is_floating_point_v<T> && (lo == T{} || hi == T{}))
-    walk(zr::detail::NDOrder::kStorage, lo, hi);
+  zr::detail::NDLines(GetDim() - 1, Range().GetPointer(), p_, tab, p_, tab, line);
   min = lo;
   max = hi;
 }
@@ -783,13 +488,12 @@ T zrArrayND<T>::Median() const {
     values.Set(GetSize());
     T* out = values.GetPointer();
     const int* const tab = Tab().GetPointer();
-    zr::detail::WalkPair(GetDim(), Range().GetPointer(), p_, tab, p_, tab,
-                         zr::detail::NDOrder::kStorage,
-                         [&out](int n, const T* a, int sa, const T*, int) {
-                           std::ptrdiff_t ia = 0;
-                           for (int i = 0; i < n; ++i, ia += sa) *out++ = a[ia];
-                           return true;
-                         });
+    auto line = [&out](int n, const T* a, int sa, const T*, int) {
+      std::ptrdiff_t ia = 0;
+      for (int i = 0; i < n; ++i, ia += sa) *out++ = a[ia];
+      return true;
+    };
+    zr::detail::NDLines(GetDim() - 1, Range().GetPointer(), p_, tab, p_, tab, line);
   }
   return values.Median();
 }
@@ -807,19 +511,12 @@ int zrArrayND<T>::ToMem(unsigned char* buffer) const {
   unsigned char* out = buffer + zrArrayNDAbs::ToMem(buffer);
   if (GetSize() > 0) {
     const int* const tab = Tab().GetPointer();
-    zr::detail::WalkPair(GetDim(), Range().GetPointer(), p_, tab, p_, tab,
-                         zr::detail::NDOrder::kStorage,
-                         [&out](int n, const T* a, int sa, const T*, int) {
-                           if (sa == 1) {
-                             std::memcpy(out, a, static_cast<std::size_t>(n) * sizeof(T));
-                             out += static_cast<std::size_t>(n) * sizeof(T);
-                             return true;
-                           }
-                           std::ptrdiff_t ia = 0;
-                           for (int i = 0; i < n; ++i, ia += sa, out += sizeof(T))
-                             std::memcpy(out, a + ia, sizeof(T));
-                           return true;
-                         });
+    auto line = [&out](int n, const T* a, int sa, const T*, int) {
+      std::ptrdiff_t ia = 0;
+      for (int i = 0; i < n; ++i, ia += sa, out += sizeof(T)) std::memcpy(out, a + ia, sizeof(T));
+      return true;
+    };
+    zr::detail::NDLines(GetDim() - 1, Range().GetPointer(), p_, tab, p_, tab, line);
   }
   return static_cast<int>(out - buffer);
 }
@@ -830,19 +527,13 @@ int zrArrayND<T>::FromMem(const unsigned char* buffer) {
   const unsigned char* in = buffer + zrArrayNDAbs::FromMem(buffer);
   if (GetSize() > 0) {
     const int* const tab = Tab().GetPointer();
-    zr::detail::WalkPair(GetDim(), Range().GetPointer(), p_, tab, p_, tab,
-                         zr::detail::NDOrder::kStorage, [&in](int n, T* a, int sa, T*, int) {
-                           if (sa == 1) {
-                             std::memcpy(static_cast<void*>(a), in,
-                                         static_cast<std::size_t>(n) * sizeof(T));
-                             in += static_cast<std::size_t>(n) * sizeof(T);
-                             return true;
-                           }
-                           std::ptrdiff_t ia = 0;
-                           for (int i = 0; i < n; ++i, ia += sa, in += sizeof(T))
-                             std::memcpy(static_cast<void*>(a + ia), in, sizeof(T));
-                           return true;
-                         });
+    auto line = [&in](int n, T* a, int sa, T*, int) {
+      std::ptrdiff_t ia = 0;
+      for (int i = 0; i < n; ++i, ia += sa, in += sizeof(T))
+        std::memcpy(static_cast<void*>(a + ia), in, sizeof(T));
+      return true;
+    };
+    zr::detail::NDLines(GetDim() - 1, Range().GetPointer(), p_, tab, p_, tab, line);
   }
   return static_cast<int>(in - buffer);
 }

@@ -1,0 +1,152 @@
+// zrArrayND<double>: every kernel level gives the plain walk's bits over layouts that reach
+// the edges of the tiles (8 x 16), the transposed blocks (8 x 8, rows of 32 in big planes,
+// 32 rows prefetched ahead) and the prefetched chunks of reversed lines (64): flips, axis
+// exchanges, windows, zero steps, and sources that share the target's block.
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cmath>
+#include <functional>
+#include <sstream>
+#include <string>
+#include <vector>
+
+#include "support/levels.h"
+#include "support/nd_arrays.h"
+#include "zr/zr.h"
+
+namespace {
+
+using A = zrArrayND<double>;
+
+// Steps applied to a view, left to right: "fK" flips axis K, "sKL" exchanges axes K and L,
+// "tKV" gives axis K the step V (a digit), "wK" drops the first and last index of axis K.
+void Steps(A& view, const std::string& steps) {
+  std::istringstream in(steps);
+  for (std::string s; in >> s;) {
+    const int k = s[1] - '0';
+    zrArray<int> range(view.Range());
+    zrArray<int> tab(view.Tab());
+    if (s[0] == 'f') view.Flip(k);
+    if (s[0] == 's') view.SwapAxis(k, s[2] - '0');
+    if (s[0] == 't') tab[k] = s[2] - '0';
+    if (s[0] == 'w') range[k] -= 2;
+    if (s[0] == 't' || s[0] == 'w') view.Set(view, s[0] == 'w' ? tab[k] : 0, range, tab);
+  }
+}
+
+// A block of the given sizes holding Mixed values.
+A Block(const std::vector<int>& shape, int seed) {
+  zrArray<int> range;
+  for (int n : shape) range.push_back(n);
+  A a(range);
+  const std::vector<double> v = zr_test::Mixed(a.GetSize(), seed);
+  std::copy(v.begin(), v.end(), a.GetPointer());
+  return a;
+}
+
+// Where the source lives: a block of its own, the target's block, or the target itself.
+enum Source { kOwn, kShared, kSelf };
+
+struct Layout {
+  std::vector<int> shape;  // symmetric in the axes the steps exchange
+  std::string dest;
+  std::string source;
+  Source where = kOwn;
+};
+
+// Everything the walks give on one layout: the target's whole block after each array
+// operator and each scalar one (nothing outside the view may change), then a copy of the
+// source, comparisons (equal, and differing only at the end or the start of a line) and
+// the extremes, ties of signed zeros included.
+std::vector<double> RunAll(const Layout& c) {
+  std::vector<double> out;
+  const std::function<void(A&, const A&)> ops[] = {
+      [](A& x, const A& y) { x = y; },
+      [](A& x, const A& y) { x += y; },
+      [](A& x, const A& y) { x -= y; },
+      [](A& x, const A& y) { x *= y; },
+      [](A& x, const A& y) { x /= y; },
+      [](A& x, const A&) { x.Fill(0.25); },
+      [](A& x, const A&) { x -= 0.75; },
+      [](A& x, const A&) { x /= 3.0; },
+      [&out](A&, const A& y) {
+        A copy(y);
+        out.insert(out.end(), copy.GetPointer(), copy.GetPointer() + copy.GetSize());
+        out.insert(out.end(), {double(copy == y), y.Min(), y.Max()});
+        const double last = copy.back();
+        copy.back() = 1e300;
+        out.push_back(copy == y);
+        copy.back() = last;
+        copy.front() = 1e300;
+        out.push_back(copy == y);
+      },
+      [&out](A& x, const A&) {  // ties of +0 and -0 after a nonzero origin, then a NaN
+        x *= 0.0;
+        x.front() = 1.0;
+        out.push_back(x.Min());
+        x.front() = -1.0;
+        out.push_back(x.Max());
+        x.back() = std::nan("");
+        out.insert(out.end(), {x.Min(), x.Max()});
+      }};
+  for (const auto& op : ops) {
+    A block = Block(c.shape, 2);
+    A own = Block(c.shape, 3);
+    A dest;
+    A src;
+    dest.Set(block);
+    Steps(dest, c.dest);
+    src.Set(c.where == kOwn ? own : block);
+    Steps(src, c.where == kSelf ? c.dest : c.source);
+    op(dest, src);
+    out.insert(out.end(), block.GetPointer(), block.GetPointer() + block.GetSize());
+  }
+  return out;
+}
+
+std::vector<Layout> Layouts() {
+  std::vector<Layout> out;
+  for (int n : {1, 7, 8, 9, 15, 16, 17}) {  // each side of the tile and block edges
+    out.push_back({{n}, "", "f0"});
+    out.push_back({{n, n}, "f1", "s01 f0"});
+    out.push_back({{n, 3, n}, "s02", ""});
+    out.push_back({{n, 3, n}, "f2", "s02 f1"});
+  }
+  // Planes longer than the prefetch distance; 185 x 185 goes in block rows of 32 lines; a
+  // window moves the 64-byte boundaries.
+  for (int n : {41, 57, 185}) {
+    out.push_back({{n, 2, n}, "", "s02"});
+    out.push_back({{n + 2, n + 2, 2}, "w0 w1", "s01 w0 w1"});
+  }
+  out.insert(out.end(), {
+                            {{130, 3}, "", "f0"},  // reversed lines in chunks of 64
+                            {{130, 3}, "f0", ""},
+                            {{200, 2, 2}, "f0 f2", "f0"},
+                            {{33, 5, 33}, "s02 w2", "w2"},
+                            {{9, 2, 3, 9}, "f3", "s03 f1"},
+                            {{9, 5, 3, 9}, "w1", "s03 w1 f0"},
+                            {{10, 10, 10}, "s12", "s01"},
+                            {{12, 12}, "", "s01 t10"},  // a source that repeats elements
+                            {{12, 12}, "t10", "s01"},   // targets that reach elements twice
+                            {{12, 12}, "t11 t02", "s01"},
+                            {{9, 9}, "t18", "s01"},  // the last of line 0 is the first of line 1
+                            {{9, 4, 9}, "f1 t10", "s02"},
+                            {{24, 24}, "", "s01", kShared},  // read whole before any write
+                            {{24, 24}, "w0", "f0 s01 w0", kShared},
+                            {{24, 24}, "f0 s01", "", kSelf},
+                            {{9, 9}, "t00 f1", "", kSelf},
+                        });
+  return out;
+}
+
+TEST(ArrayNDKernels, EveryLevelGivesThePlainBitsOnEveryLayout) {
+  for (const Layout& c : Layouts()) {
+    SCOPED_TRACE(::testing::Message() << c.shape[0] << " x " << c.shape.size() << " dest \""
+                                      << c.dest << "\" source \"" << c.source << "\" " << c.where);
+    EXPECT_NO_THROW(RunAll(c));
+    zr_test::ExpectLevelsAgree([&c] { return RunAll(c); });
+  }
+}
+
+}  // namespace

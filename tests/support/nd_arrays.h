@@ -1,0 +1,49 @@
+// Builders for the N-dimensional array tests: size and stride lists, counting arrays,
+// the elements of a walk and of the indexed access in storage order.
+#pragma once
+
+#include <vector>
+
+#include "zr/zr.h"
+
+namespace zr_test {
+
+// I(3, 4, 5): the list of sizes, strides or indices 3, 4, 5.
+template <class... N>
+zrArray<int> I(N... values) {
+  zrArray<int> a;
+  (a.push_back(values), ...);
+  return a;
+}
+
+// The elements as begin() ... end() list them.
+template <class T>
+std::vector<T> Walk(const zrArrayND<T>& a) {
+  return std::vector<T>(a.begin(), a.end());
+}
+
+// The elements by a(index) for every multi-index, dimension 0 fastest: the storage order
+// the walks must keep, found without them.
+template <class T>
+std::vector<T> ByIndex(const zrArrayND<T>& a) {
+  std::vector<T> out;
+  zrArray<int> index(a.GetDim());
+  for (int k = 0; k < a.GetDim(); ++k) index[k] = 0;
+  for (int e = 0; e < a.GetSize(); ++e) {
+    out.push_back(a(index));
+    for (int k = 0; k < a.GetDim() && ++index[k] == a.Range()[k]; ++k) index[k] = 0;
+  }
+  return out;
+}
+
+// first, first + 1, ... in storage order; with a period, small enough that products stay
+// exact in any element type.
+template <class T>
+zrArrayND<T> Counting(const zrArray<int>& range, int first = 1, int period = 1 << 30) {
+  zrArrayND<T> a(range);
+  int k = 0;
+  for (T& x : a) x = static_cast<T>(first + k++ % period);
+  return a;
+}
+
+}  // namespace zr_test
