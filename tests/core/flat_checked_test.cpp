@@ -1,14 +1,15 @@
 // The checked flat-form reader zrFromMem(buffer, size, object): a whole form reads as the
 // unchecked reader reads it, anything short or lying is refused with one text and leaves
-// the object alone, before any allocation. One sample per walk: the scalars and the
-// fixed-size values share one, strings, curves and polynomials walk as their base does.
+// the object alone, before any allocation. One sample per walk with counts: the scalars
+// and fixed-size values only skip their size, and strings, curves and polynomials walk as
+// their base does.
 #include <gtest/gtest.h>
 
 #include <climits>
+#include <cstddef>
 #include <cstdint>
 #include <cstring>
 #include <initializer_list>
-#include <memory>
 #include <vector>
 
 #include "support/array_builders.h"
@@ -62,8 +63,8 @@ int ReadChecked(const Bytes& form, T& target) {
   return ReadChecked(form.data(), form.size(), target);
 }
 
-// The whole form reads back; every shorter prefix, in a
-// buffer of exactly that size, is refused and leaves `before` as it was.
+// The whole form reads back; every shorter prefix, in a buffer of exactly that size (a
+// read past it shows under the asan preset), is refused and leaves `before` as it was.
 template <class T>
 void CheckWholeAndCut(const T& sample, const T& before) {
   const Bytes form = Flat(sample);
@@ -71,10 +72,9 @@ void CheckWholeAndCut(const T& sample, const T& before) {
   ASSERT_EQ(ReadChecked(form, checked), static_cast<int>(form.size()));
   EXPECT_EQ(Flat(checked), form);
   for (std::size_t len = 0; len < form.size(); ++len) {
-    std::unique_ptr<unsigned char[]> cut(new unsigned char[len]);
-    std::memcpy(cut.get(), form.data(), len);
+    const Bytes cut(form.begin(), form.begin() + static_cast<std::ptrdiff_t>(len));
     T target(before);
-    EXPECT_EQ(ReadChecked(cut.get(), len, target), -1) << "prefix of " << len << " bytes";
+    EXPECT_EQ(ReadChecked(cut, target), -1) << "prefix of " << len << " bytes";
   }
 }
 
@@ -99,7 +99,6 @@ void Refused(T target, std::initializer_list<Bytes> forms) {
 }  // namespace
 
 TEST(FlatChecked, EveryWalkReadsWholeFormsAndRefusesShortOnes) {
-  CheckWholeAndCut(zrComplex(1, -2), zrComplex(3, 4));
   CheckWholeAndCut(Of<zrArray<double>>({1, 4, 7}), Of<zrArray<double>>({2, 3}));
   CheckWholeAndCut(zrArray<double>(), Of<zrArray<double>>({1, 4}));
   CheckWholeAndCut(Of<zrVector<V3>>({V3(1, 2, 3)}), Filled(zrVector<V3>(2)));

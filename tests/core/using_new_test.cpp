@@ -82,7 +82,6 @@ TEST(AutoDelPointer, HoldersShareAndTheLastDeletes) {
   auto* c = new Logged('c');
   EXPECT_EQ(holder = c, c);
   EXPECT_EQ(b->GetRefCount(), 1);
-  EXPECT_EQ(holder = nullptr, nullptr);
-  EXPECT_TRUE(holder.IsNull());
+  EXPECT_TRUE((holder = nullptr) == nullptr && holder.IsNull());
   EXPECT_EQ(Logged::log, "+a~a+b+b+c~c");
 }
