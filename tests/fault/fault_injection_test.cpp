@@ -122,15 +122,14 @@ zrSimpleArray<Col> CurvePoints(double last) {
 }
 // A diagonally dominant n x n band: 4 on the diagonal, 1 and -1 beside it.
 M3 Band(int n) {
-  const auto line = [](int len, double v) {
-    return zrVector<double>(zrSimpleArray<double>(len, v));
-  };
-  return M3(line(n - 1, 1.0), line(n, 4.0), line(n - 1, -1.0));
+  using Line = zrVector<double>;
+  using Values = zrSimpleArray<double>;
+  return M3(Line(Values(n - 1, 1.0)), Line(Values(n, 4.0)), Line(Values(n - 1, -1.0)));
 }
 
 struct World {
   zrArray<double> a{50, 1.5}, b = Of<zrArray<double>>({0, 1, 2, 3, 4, 5, 6}), bwin = b.Left(3);
-  zrSimpleArray2D<double> grid{2, 2, 4.0}, wide{3, 7, 3.0};
+  zrSimpleArray2D<double> wide{3, 7, 3.0};
   zrSimpleArray<zrString> many{12, zrString("word")}, few{5, zrString("other")}, tokens;
   zrString s1{"alpha beta,, gamma"}, s2{" delta epsilon"}, token{"previous"};
   zrString line{"alpha = 12.5e3 + \"quoted\" - beta7"};
@@ -140,8 +139,7 @@ struct World {
   M3 band = Band(7), band9 = Band(9), band2 = Band(2), bandwin;
   zrVector<double> up2{zrSimpleArray<double>(5, 0.5)}, down2{zrSimpleArray<double>(5, 0.25)};
   P power{Of<Col>({1.0, -2.0, 3.0, 0.5}), 1.0, P::PowerKoef};
-  P taylor{Of<Col>({2.0, 1.0, 0.0, -1.0, 3.0}), 0.5, P::TaylorKoef}, p2{2};
-  zrSimpleArray<P> polys{3};
+  P p2{2};
   zrSimpleArray<Col> points = CurvePoints(std::sin(7)), closed = CurvePoints(0);
   zrSpline<double> spline{points}, period{closed}, unset;
   A cube{Dims({4, 5, 6})}, nd{Dims({2, 3})}, pair{Dims({2, 2})}, ndwin, ndflip;
@@ -157,7 +155,7 @@ struct World {
   zrMatrix<V3> net = Net(4, 6);
   BetaTube tube{Net(3, 5)}, tube2{Net(4, 6)}, tube0{1.0, 0.0};
   BetaCurve curve{Helix(5)}, curve9{Helix(9)};
-  BetaContour contour{Helix(9)}, contour0;
+  BetaContour contour{Helix(9)};
   zrSimpleArray<C2> sections = Of<zrSimpleArray<C2>>({square, hexagon, turned});
   zrSimpleArray<double> heights = Of<zrSimpleArray<double>>({0.0, 2.0, 4.0});
   zrSimpleGraph graph;  // the path n0-n1-n2-n3-n4 with a branch n2-n5; it owns them
@@ -186,12 +184,12 @@ struct World {
     for (int i = 0; i < 3; ++i) queue.Put(nullptr);
   }
   auto Tie() {
-    return std::tie(a, b, bwin, grid, wide, many, few, tokens, s1, s2, token, line, m, m2, mwin, B,
-                    rhs, b7, origin, axis, col, band, band9, band2, bandwin, up2, down2, power,
-                    taylor, p2, polys, points, closed, spline, period, unset, cube, nd, pair, ndwin,
-                    ndflip, range, tab, round, square, hexagon, turned, viewed, view, loop, arc,
-                    arc_spline, helix, net, tube, tube2, tube0, curve, curve9, contour, contour0,
-                    sections, heights, graph, queue, ring1, ring2);
+    return std::tie(a, b, bwin, wide, many, few, tokens, s1, s2, token, line, m, m2, mwin, B, rhs,
+                    b7, origin, axis, col, band, band9, band2, bandwin, up2, down2, power, p2,
+                    points, closed, spline, period, unset, cube, nd, pair, ndwin, ndflip, range,
+                    tab, round, square, hexagon, turned, viewed, view, loop, arc, arc_spline, helix,
+                    net, tube, tube2, tube0, curve, curve9, contour, sections, heights, graph,
+                    queue, ring1, ring2);
   }
 };
 
@@ -216,16 +214,12 @@ const Entry kEntries[] = {
             zrSimpleArray2D<double>(s.wide));
      }},
     {"zrArray ReSet with a window held", [](World& s) { s.b.ReSet(200); }},
-    {"zrArray Insert", [](World& s) { s.b.Insert(-1, 5); }},
-    {"zrArray Concat", [](World& s) { s.b.Concat(s.a); }},
     {"zrArray Replace", [](World& s) { s.b.Replace(5, 2, s.a); }},
     {"zrArray assignment", [](World& s) { s.b = s.a; }},
     {"zrArray FromMem", [](World& s) { s.b.FromMem(Flat(s.a)); }},
-    {"zrSimpleArray2D assignment", [](World& s) { s.grid = s.wide; }},
     {"zrSimpleArray of strings copy and window Copy",
      [](World& s) { Made(zrSimpleArray<zrString>(s.many), Detached(s.many.Mid(2, 5))); }},
     {"zrSimpleArray of strings Insert", [](World& s) { s.many.Insert(zrString("new"), 3); }, false},
-    {"zrSimpleArray of strings Concat", [](World& s) { s.many.Concat(s.few); }, false},
     {"zrSimpleArray of strings Replace", [](World& s) { s.many.Replace(2, 4, s.few); }, false},
     {"zrSimpleArray of strings ReSet", [](World& s) { s.many.ReSet(40); }},
     {"zrSimpleArray of strings assignment", [](World& s) { s.few = s.many; }, false},
@@ -235,8 +229,6 @@ const Entry kEntries[] = {
      }},
     // The tokens are strings an earlier Tokenize made.
     {"zrString Tokenize", [](World& s) { s.s1.Tokenize(s.tokens, " ,"); }, false},
-    {"zrString append", [](World& s) { s.s2 += s.s1; }},
-    {"zrString FromMem", [](World& s) { s.token.FromMem(Flat(s.line)); }},
     {"zrString GetToken",
      [](World& s) {
        for (int pos = 0; s.line.GetToken(pos, s.token) != zrString::TOKEN_END;)
@@ -252,7 +244,6 @@ const Entry kEntries[] = {
     {"zrMatrix assignment", [](World& s) { s.m2 = s.m; }},
     {"zrMatrix FromMem", [](World& s) { s.m2.FromMem(Flat(s.m)); }},
     {"zrVector ReSet", [](World& s) { s.rhs.ReSet(30); }},
-    {"zrVector Insert", [](World& s) { s.rhs.Insert(1.0, 4); }},
     {"zrColumnVector FromMem", [](World& s) { s.origin.FromMem(Flat(s.rhs)); }},
     {"zrTransformCoord construction, GetCoord, GetScale",
      [](World& s) {
@@ -284,10 +275,6 @@ const Entry kEntries[] = {
      [](World& s) {
        s.p2.SetKoef(Of<Col>({1, 2, 3, 4, 5, 6}), 2.0, P::PowerKoef);
      }},
-    {"zrPolynom FromMem", [](World& s) { s.p2.FromMem(Flat(s.power)); }},
-    {"zrSimpleArray of polynomials copy", [](World& s) { Made(zrSimpleArray<P>(s.polys)); }},
-    {"zrSimpleArray of polynomials element assignment", [](World& s) { s.polys[1] = s.power; }},
-    {"zrSimpleArray of polynomials Insert", [](World& s) { s.polys.Insert(s.taylor, 0); }, false},
     {"zrSpline construction, copy, MkPeriodSpline3",
      [](World& s) {
        zrSpline<double> p(s.closed);
@@ -324,7 +311,6 @@ const Entry kEntries[] = {
        Made(zrCurve2D(s.loop), zrCurve2D(static_cast<const zrArray<zrVec2>&>(s.arc)),
             zrSplineCurve2D(s.loop), zrSplineCurve2D(s.arc, 2), zrSplineCurve2D(s.arc_spline));
      }},
-    {"zrCurve2D assignment", [](World& s) { s.arc = s.loop; }},
     {"zrSplineCurve2D assignment", [](World& s) { s.arc_spline = zrSplineCurve2D(s.loop); }, false},
     {"BetaCurve, BetaContour, BetaTube construction and copies",
      [](World& s) {
@@ -337,7 +323,6 @@ const Entry kEntries[] = {
     {"BetaCurve Rebuild", [](World& s) { s.curve.Rebuild(12); }},
     {"BetaContour Rebuild", [](World& s) { s.contour.Rebuild(7); }},
     {"BetaCurve assignment", [](World& s) { s.curve = s.curve9; }},
-    {"BetaContour assignment", [](World& s) { s.contour0 = s.contour; }},
     {"zrSimpleGraph Add", [](World& s) { s.graph.Add(new Node); }},
     {"zrSimpleGraph Wave", [](World& s) { s.graph.Wave(s.n[0], zrSimpleGraph::PathLen, nullptr); }},
     {"zrSimpleGraph GetMaxPath",
@@ -359,12 +344,10 @@ const Entry kEntries[] = {
 class PairCount : public ::testing::Environment {
  public:
   void TearDown() override {
-    const int cases = ::testing::UnitTest::GetInstance()->test_to_run_count();
     std::printf(
-        "allocation-failure pairs: %s (%s failure points, each failed once and from "
-        "then on; %s test cases)\n",
-        std::to_string(total_pairs).c_str(), std::to_string(total_points).c_str(),
-        std::to_string(cases).c_str());
+        "allocation-failure pairs: %ld (%ld failure points, each failed once and from "
+        "then on; %d test cases)\n",
+        total_pairs, total_points, ::testing::UnitTest::GetInstance()->test_to_run_count());
   }
 };
 const auto* const registered = ::testing::AddGlobalTestEnvironment(new PairCount);
@@ -416,25 +399,3 @@ INSTANTIATE_TEST_SUITE_P(All, FaultInjection, ::testing::ValuesIn(kEntries),
                          });
 
 }  // namespace
-
-TEST(FaultSchedule, FailsTheChosenAllocationAndCountsBlocks) {
-  const long live = LiveAllocations();
-  void* a = zrMalloc(8);
-  EXPECT_EQ(LiveAllocations(), live + 1);
-  FailAllocation(2, false);
-  void* b = zrMalloc(8);
-  EXPECT_THROW(a = zrRealloc(a, 64), zrErrNoMemory);  // the old block stays the caller's
-  void* c = zrRealloc(nullptr, 8);                    // the schedule fired once
-  EXPECT_EQ(InjectedFailures(), 1);
-  FailAllocation(1, true);
-  EXPECT_THROW(zrMalloc(1), zrErrNoMemory);
-  EXPECT_THROW(zrMalloc(1), zrErrNoMemory);
-  EXPECT_EQ(InjectedFailures(), 2);
-  ClearFailure();
-  EXPECT_EQ(LiveAllocations(), live + 3);
-  zrFree(a);
-  zrFree(b);
-  zrFree(c);
-  zrFree(nullptr);
-  EXPECT_EQ(LiveAllocations(), live);
-}
