@@ -58,31 +58,24 @@ TEST(ArrayNDAbs, IndexStepsALineAtATime) {
 
 TEST(ArrayNDAbs, GetLineWithinClipsByOutcodes) {
   const zrArrayND<int> box(I(4, 4));
-  struct Clip {
-    L p1, p2;
-    int inside;
-    L q1, q2;  // the points after clipping
-  };
-  const Clip clips[] = {
-      {{-2, -2}, {5, 6}, 1, {0, 0}, {3, 3}},
-      {{-3, -1}, {-1, 5}, 0, {}, {}},
-      {{2, 9}, {2, -7}, 1, {2, 3}, {2, 0}},  // vertical: only y moves
-      // Five moves end the clipping with the points exchanged and one still outside.
-      {{-6, -1}, {4, 7}, 1, {-1, 3}, {0, 3}},
+  // The end points, then whether some of the segment lies inside and the points after it.
+  const int clips[][9] = {
+      {-2, -2, 5, 6, 1, 0, 0, 3, 3},
+      {-3, -1, -1, 5, 0, -3, -1, -1, 5},
+      {2, 9, 2, -7, 1, 2, 3, 2, 0},    // vertical: only y moves
+      {-5, 2, 9, 2, 1, 0, 2, 3, 2},    // horizontal: only x moves
+      {-6, -1, 4, 7, 1, -1, 3, 0, 3},  // five moves: exchanged, one still outside
       // End points far apart: the slope and the moves are exact, nothing overflows.
-      {{INT_MIN, INT_MIN}, {INT_MAX, INT_MAX}, 1, {0, 0}, {3, 3}},
-      {{INT_MIN, 1}, {INT_MAX, 2}, 1, {0, 1}, {3, 2}},
+      {INT_MIN, INT_MIN, INT_MAX, INT_MAX, 1, 0, 0, 3, 3},
+      {INT_MIN, 1, INT_MAX, 2, 1, 0, 1, 3, 2},
   };
-  for (const Clip& c : clips) {
-    SCOPED_TRACE(::testing::Message() << c.p1[0] << ' ' << c.p1[1]);
-    zrArray<int> p1 = I(c.p1[0], c.p1[1]);
-    zrArray<int> p2 = I(c.p2[0], c.p2[1]);
-    EXPECT_EQ(box.GetLineWithin(p1, p2), c.inside);
-    EXPECT_EQ(c.inside ? V(p1) : L(), c.q1);
-    EXPECT_EQ(c.inside ? V(p2) : L(), c.q2);
+  for (const auto& c : clips) {
+    zrArray<int> p1 = I(c[0], c[1]);
+    zrArray<int> p2 = I(c[2], c[3]);
+    const int inside = box.GetLineWithin(p1, p2);
+    EXPECT_EQ(L({inside, p1[0], p1[1], p2[0], p2[1]}), L(c + 4, c + 9)) << c[0] << ' ' << c[1];
   }
-  zrArray<int> p2 = I(1, 1);
-  zrArray<int> p3 = I(1, 1, 1);
+  zrArray<int> p2 = I(1, 1), p3 = I(1, 1, 1);
   const std::string two = "Invalid parameters : Dimension must equal 2 in GetLine.";
   EXPECT_EQ(BadParametersText([&] { box.GetLineWithin(p2, p3); }), two);
   EXPECT_EQ(BadParametersText([&] { zrArrayND<int>(I(2, 2, 2)).GetLineWithin(p2, p2); }), two);
@@ -105,8 +98,7 @@ TEST(ArrayNDAbs, NeighbourTables) {
 
   // Offsets past the 32-bit range are refused, the output left as it was.
   const std::string offsets = "Invalid parameters : zrArrayNDAbs : Offsets beyond 32 bits.";
-  const zrArray<int> far = I(1 << 30, 1 << 30);
-  EXPECT_EQ(BadParametersText([&] { zrArrayNDAbs::Rcurs2(far, out); }), offsets);
+  EXPECT_EQ(BadParametersText([&] { zrArrayNDAbs::Rcurs2(I(1 << 30, 1 << 30), out); }), offsets);
   EXPECT_EQ(BadParametersText([&] { zrArrayNDAbs::MkTabFor4Link(I(INT_MIN), out); }), offsets);
   EXPECT_EQ(V(out), L({0, 1, 2}));
   zrArrayNDAbs::MkTabForAp(I(1 << 30, (1 << 30) - 1), I(2, 2), out);  // up to INT_MAX
@@ -117,13 +109,9 @@ TEST(ArrayNDAbs, NeighbourTables) {
 
 TEST(RoundArrayND, StepsRoundAndBack) {
   const std::string out = "Invalid parameters : zrRoundArrayND : Out of range.";
-  const zrArray<int> range = I(2, 2);  // the cursor keeps references to both
-  const zrArray<int> tab = I(1, 2);
+  const zrArray<int> range = I(2, 2), tab = I(1, 2);  // the cursor keeps references to both
   zrRoundArrayND r(range, tab);
-  for (int pos = 1; pos <= 3; ++pos) {
-    EXPECT_EQ(++r, 1);
-    EXPECT_EQ(r.GetPos(), pos);
-  }
+  for (int pos = 1; pos <= 3; ++pos) EXPECT_EQ(L({++r, r.GetPos()}), L({1, pos}));
   EXPECT_EQ(++r, 0);
   EXPECT_EQ(r.GetPos(), 0);
   EXPECT_EQ(V(r), L({0, 0}));
