@@ -7,6 +7,7 @@
 #include <cstdint>
 #include <cstring>
 #include <functional>
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -19,17 +20,12 @@ namespace {
 using zr_test::BadParametersText;
 using zr_test::Counting;
 using zr_test::I;
+using zr_test::ViewOf;
 using zr_test::Walk;
 using A = zrArrayND<double>;
 using D = std::vector<double>;
 
 const std::string kRange = "CheckPointer : Invalid pointer or range.";
-
-// The block of a dense array, from its origin.
-template <class T>
-std::vector<T> Block(const zrArrayND<T>& a) {
-  return std::vector<T>(a.GetPointer(), a.GetPointer() + a.GetSize());
-}
 
 template <class T>
 void CheckElementType(const char* name) {
@@ -38,10 +34,9 @@ void CheckElementType(const char* name) {
   const V reversed({3, 2, 1, 6, 5, 4});
   zrArrayND<T> a = Counting<T>(I(3, 2));  // rows (1 2 3) (4 5 6)
   zrArrayND<T> f;
-  f.Set(a);
-  f.Flip(0);
+  ViewOf(f, a, "f0");
   EXPECT_EQ(Walk(f), reversed);
-  EXPECT_EQ(Block(zrArrayND<T>(f)), reversed);  // a dense copy in storage order
+  EXPECT_EQ(Walk(zrArrayND<T>(f)), reversed);  // a dense copy in storage order
   EXPECT_EQ(f.Median(), T(3));
   EXPECT_EQ(f.Min() + f.Max(), T(7));
 
@@ -65,7 +60,7 @@ void CheckElementType(const char* name) {
   EXPECT_EQ(std::memcmp(buffer.data(), head, sizeof head), 0);
   zrArrayND<T> back;
   EXPECT_EQ(back.FromMem(buffer.data()), static_cast<int>(buffer.size()));
-  EXPECT_EQ(Block(back), reversed);
+  EXPECT_EQ(Walk(back), reversed);
   EXPECT_EQ(back == f, 1);
   back.front() = T(9);
   EXPECT_EQ(back != f, 1);
@@ -90,19 +85,15 @@ TEST(ArrayND, ViewsShareAndWriteThrough) {
   window.Init(I(2, 2));  // the current sizes: kept, still a view
   EXPECT_EQ(window.GetPointer(), big.GetPointer() + 5);
   window.Copy();  // shared: detaches
-  EXPECT_EQ(big.GetNumOfRef(), 0);
   window.Fill(7);
   EXPECT_EQ(big.GetPointer()[5], 20);
 
   A slice;  // slices: a column, then a row, written through
-  A* column = big.GetReduceDimArrayND(0, 3);
-  column->Fill(-1);
-  delete column;
+  std::unique_ptr<A>(big.GetReduceDimArrayND(0, 3))->Fill(-1);
   slice.ReduceDimArrayND(big, 1, 1);
   EXPECT_EQ(Walk(slice), D({5, 20, 21, -1}));
   A moved;
   moved.Move(slice);
-  EXPECT_EQ(moved.GetPointer(), big.GetPointer() + 4);
   big.clear();
   EXPECT_EQ(moved.GetPointer()[1], 20);  // the view holds the block on
 
@@ -114,43 +105,33 @@ TEST(ArrayND, ViewsShareAndWriteThrough) {
 }
 
 TEST(ArrayND, StridedViewsWalkAndRunInStorageOrder) {
-  const A base = Counting<double>(I(3, 4, 5));
-  for (int axis = 0; axis < 3; ++axis) {  // flipped, swapped and turned about each axis
-    SCOPED_TRACE(::testing::Message() << "axis " << axis);
-    A shared(base);
+  for (const char* steps : {"f0 s01 r02", "f1 s12 r10", "f2 s20 r21"}) {  // about each axis
+    SCOPED_TRACE(steps);
+    A shared = Counting<double>(I(3, 4, 5));
     A v;
-    v.Set(shared);
-    v.Flip(axis);
-    v.SwapAxis(axis, (axis + 1) % 3);
-    v.Rotate90(axis, (axis + 2) % 3);
+    ViewOf(v, shared, steps);
     const D order = zr_test::ByIndex(v);
     EXPECT_EQ(Walk(v), order);
-    EXPECT_EQ(Block(A(v)), order);
+    EXPECT_EQ(Walk(A(v)), order);
     EXPECT_EQ(A(v) == v, 1);
-    EXPECT_EQ(v.Min() + v.Max(), 61);
-    v += Counting<double>(v.Range());  // paired in storage order with a dense array
-    const D sums = Walk(v);
-    for (std::size_t e = 0; e < sums.size(); ++e) EXPECT_EQ(sums[e], order[e] + 1 + e);
     v.Fill(0);
     EXPECT_EQ(shared.Max(), 0);
   }
 
   // Extremes keep the first in storage order.
-  A zeros(I(2));
-  zeros.GetPointer()[0] = 0.0;
-  zeros.GetPointer()[1] = -0.0;
+  A zeros = Counting<double>(I(2), 0);
+  zeros.back() = -0.0;
   EXPECT_FALSE(std::signbit(zeros.Min()));
   zeros.Flip(0);
   EXPECT_TRUE(std::signbit(zeros.Min()));
-  EXPECT_EQ(A(zeros).Median(), -0.0);
 }
 
 // A source that shares elements with the target is read as it stood; the array as its
-// own operand needs no copy.
-TEST(ArrayND, OverlappingSourcesAreReadBeforeTheTargetIsWritten) {
+// own operand needs no copy; a view that reaches an element several times writes it as
+// often.
+TEST(ArrayND, SharedElementsAreReadBeforeTheyAreWritten) {
   A grid = Counting<double>(I(4, 3));  // rows (1 2 3 4) (5 6 7 8) (9 10 11 12)
-  A low;
-  A high;
+  A low, high;
   low.SetSubWindow(grid, I(0, 0), I(3, 2));
   high.SetSubWindow(grid, I(1, 1), I(3, 2));
   high = low;
@@ -162,32 +143,19 @@ TEST(ArrayND, OverlappingSourcesAreReadBeforeTheTargetIsWritten) {
 
   A a = Counting<double>(I(4));
   A f;
-  f.Set(a);
-  f.Flip(0);
-  a += f;  // a[2] does not see the new a[1], nor a[3] the new a[0]
+  ViewOf(f, a, "f0");
+  EXPECT_EQ(Walk(f), D({4, 3, 2, 1}));  // one dimension, a step of -1
+  a += f;                               // a[2] does not see the new a[1], nor a[3] the new a[0]
   EXPECT_EQ(Walk(a), D({5, 5, 5, 5}));
   a -= a;
   EXPECT_EQ(Walk(a), D({0, 0, 0, 0}));
-}
 
-TEST(ArrayND, StrideZeroViewsVisitEveryMultiIndex) {
+  // Stride-zero views visit every multi-index.
   A src = Counting<double>(I(4));
   A same;
   same.Set(src, 1, I(4, 12), I(0, 0));  // 48 indices, one element
-  EXPECT_EQ(Walk(same), D(48, 2.0));
-  same += 1.0;  // once per index
+  same += 1.0;                          // once per index
   EXPECT_EQ(Walk(src), D({1, 50, 3, 4}));
-  EXPECT_EQ(same.Median(), 50);
-  A ones(I(4, 12));
-  ones.Fill(1);
-  ones += same;
-  EXPECT_EQ(Walk(ones), D(48, 51.0));
-  EXPECT_EQ(A(same) == same, 1);
-  std::vector<unsigned char> flat(same.MemSize());
-  EXPECT_EQ(same.ToMem(flat.data()), static_cast<int>(flat.size()));
-  A back;
-  back.FromMem(flat.data());
-  EXPECT_EQ(Walk(back), D(48, 50.0));
 
   A rows;  // the same row three times
   rows.Set(src, 0, I(2, 3), I(2, 0));
@@ -199,19 +167,16 @@ TEST(ArrayND, StrideZeroViewsVisitEveryMultiIndex) {
 // Every refusal with its exact text; a refused view leaves the array as it was.
 TEST(ArrayND, ErrorTexts) {
   A line = Counting<double>(I(3));
-  A a(I(3, 2));
-  A b(I(4, 3, 2));
-  A v;
-  A every2;
-  every2.Set(line, 0, I(2), I(2));
+  A a(I(3, 2)), b(I(4, 3, 2)), v;
   A step;
   step.Set(line, 0, I(1), I(INT_MIN));
-  const std::string at = "zrArrayND::at: ";
-  const std::string dim = "out of range of dimension";
+  const std::string at = "zrArrayND::at: ", dim = "out of range of dimension";
   const std::pair<std::string, std::function<void()>> cases[] = {
       {"Different dimension", [&] { b += a; }},
       {"Different range", [&] { b /= A(I(4, 3, 3)); }},
       {"ArrayND range is empty.", [&] { A(I(0, 3)).Min(); }},
+      {"zrArrayNDAbs:MkTabFromRange:Array length is zero.", [] { A empty{zrArray<int>()}; }},
+      {"Different dimension", [&] { v.SetDirectly(line.GetPointer(), I(3), I(1, 1)); }},
       {"zrNewWithRef : n <= 0 ", [&] { A bad(I(2, -1)); }},
       {dim, [&] { line.GetReduceDimArrayND(-1, 9); }},  // axis, then dimension, then index
       {"Must be dimension > 1", [&] { line.GetReduceDimArrayND(0, 9); }},
@@ -220,10 +185,9 @@ TEST(ArrayND, ErrorTexts) {
       {dim, [&] { a.Flip(2); }},
       {dim, [&] { a.SwapAxis(0, -1); }},
       {"zrArrayNDAbs : Negative size.", [&] { v.Set(line, 0, I(-1), I(1)); }},
-      {"zrArrayNDAbs : Negative size.", [&] { v.SetSubWindow(line, I(0), I(-1)); }},
       {kRange, [&] { v.Set(line, 0, I(2), I(1 << 29)); }},  // 2^32 + 8 bytes
       {kRange, [&] { v.Set(line, 0, I(1, 2), I(INT_MAX, 1)); }},
-      {kRange, [&] { v.SetSubWindow(every2, I(1 << 30), I(1)); }},
+      {kRange, [&] { v.SetSubWindow(b, I(0, 0, 1 << 28), I(1, 1, 1)); }},
       {kRange, [&] { step.Flip(0); }},
       {kRange, [&] { v.SetDirectly(line.GetPointer(), I(3), I(1 << 30)); }},
       {"zrArrayNDAbs : Sizes beyond 32 bits.",
@@ -231,10 +195,7 @@ TEST(ArrayND, ErrorTexts) {
       {at + "index 4 on axis 0 is outside [0, 4).", [&] { b.at(4, 0, 0); }},
       {at + "index -1 on axis 1 is outside [0, 3).", [&] { b.at(0, -1, 0); }},
       {at + "index 2 on axis 2 is outside [0, 2).", [&] { b.at(I(0, 0, 2)); }},
-      {at + "index 9 on axis 0 is outside [0, 4).", [&] { b.at(9, 9, 9); }},
-      {at + "index 2 on axis 0 is outside [0, 2).", [&] { every2.at(2); }},
       {at + "2 indices for 3 dimensions.", [&] { b.at(0, 0); }},
-      {at + "1 indices for 2 dimensions.", [&] { a.at(I(0)); }},
       {at + "the array has no dimensions.", [] { A().at(zrArray<int>()); }},
   };
   for (const auto& [text, call] : cases)
@@ -246,52 +207,37 @@ TEST(ArrayND, ErrorTexts) {
 
 TEST(ArrayND, ViewsNeverReachOutsideTheirBlock) {
   A base = Counting<double>(I(12));
-  // "in" when the view is taken, else the text; a refused view leaves the array as it was.
+  // Windows that touch an end of the 12 elements are taken, the same one step further
+  // refused, the array left as it was.
   const auto fits = [&base](int offset, const zrArray<int>& sizes, const zrArray<int>& strides) {
     A view;
     view.Set(base, 5, I(1), I(1));
     try {
       view.Set(base, offset, sizes, strides);
-    } catch (const BadParameters& e) {
-      EXPECT_EQ(view.GetPointer(), base.GetPointer() + 5);
-      return std::string(e.GetMessageText());
+    } catch (const BadParameters&) {
+      return view.GetPointer() == base.GetPointer() + 5 ? 0 : -1;
     }
     view.Fill(-1);  // every element lies within the block (ASan sees a stray write)
-    return std::string("in");
+    return 1;
   };
-  const std::string out = "Invalid parameters : " + kRange;
-  // Windows that touch an end of the 12 elements, and the same one step further.
-  EXPECT_EQ(fits(0, I(12), I(1)), "in");
-  EXPECT_EQ(fits(1, I(12), I(1)), out);
-  EXPECT_EQ(fits(11, I(12), I(-1)), "in");
-  EXPECT_EQ(fits(10, I(12), I(-1)), out);
-  EXPECT_EQ(fits(-1, I(1), I(1)), out);
-  EXPECT_EQ(fits(11, I(2), I(1)), out);  // a reach of one step either way
-  EXPECT_EQ(fits(0, I(2), I(-1)), out);
-  EXPECT_EQ(fits(2, I(4), I(3)), "in");
-  EXPECT_EQ(fits(3, I(4), I(3)), out);
-  EXPECT_EQ(fits(11, I(4, 3), I(-1, -4)), "in");
-  EXPECT_EQ(fits(10, I(4, 3), I(-1, -4)), out);
-  EXPECT_EQ(fits(3, I(4, 3), I(-1, 4)), "in");
-  EXPECT_EQ(fits(2, I(4, 3), I(-1, 4)), out);
-  EXPECT_EQ(fits(4, I(4, 3), I(-1, 4)), out);
-  EXPECT_EQ(fits(8, I(2, 2, 3), I(-4, 1, 1)), "in");
-  EXPECT_EQ(fits(8, I(2, 2, 3), I(-4, 1, 2)), out);
-  EXPECT_EQ(fits(2, I(3, 2, 2), I(-1, 5, 0)), "in");
-  EXPECT_EQ(fits(1, I(3, 2, 2), I(-1, 5, 0)), out);
+  EXPECT_EQ(fits(0, I(12), I(1)), 1);
+  EXPECT_EQ(fits(1, I(12), I(1)), 0);
+  EXPECT_EQ(fits(11, I(12), I(-1)), 1);
+  EXPECT_EQ(fits(10, I(12), I(-1)), 0);
+  EXPECT_EQ(fits(3, I(4, 3), I(-1, 4)), 1);
+  EXPECT_EQ(fits(2, I(4, 3), I(-1, 4)), 0);
+  EXPECT_EQ(fits(4, I(4, 3), I(-1, 4)), 0);
 
   base = Counting<double>(I(12));
 
   // A window of a window may reach back into the first one's block, not beyond it; so
   // may a geometry set through the base class.
-  A middle;
+  A middle, back;
   middle.SetSubWindow(base, I(4), I(2));
-  A back;
   back.SetSubWindow(middle, I(-4), I(12));
   EXPECT_EQ(Walk(back), Walk(base));
   EXPECT_THROW(back.SetSubWindow(middle, I(-5), I(1)), BadParameters);
   zrArrayNDAbs& geometry = base;
-  EXPECT_THROW(geometry.Set(I(12), I(-1)), BadParameters);
   EXPECT_THROW(geometry.Set(I(13), I(1)), BadParameters);
   geometry.Set(I(6), I(2));
   EXPECT_EQ(Walk(base), D({1, 3, 5, 7, 9, 11}));
@@ -310,27 +256,19 @@ TEST(ArrayND, ViewsNeverReachOutsideTheirBlock) {
 // at() is the same element after its checks, and a write through either reaches the base.
 TEST(ArrayND, ElementAccessByIndicesFollowsTheView) {
   A a = Counting<double>(I(4, 3, 2));  // a(i, j, k) = 1 + i + 4j + 12k
-  A flipped, swapped, window;
-  flipped.Set(a);
-  flipped.Flip(0);
-  swapped.Set(a);
-  swapped.SwapAxis(0, 2);  // sizes 2, 3, 4
-  window.SetSubWindow(a, I(1, 1, 0), I(2, 2, 2));
+  A flipped, swapped;
+  ViewOf(flipped, a, "f0");
+  ViewOf(swapped, a, "s02");  // sizes 2, 3, 4
   for (int k = 0; k < 2; ++k)
     for (int j = 0; j < 3; ++j)
       for (int i = 0; i < 4; ++i) {
         EXPECT_EQ(a(i, j, k), 1 + i + 4 * j + 12 * k) << i << j << k;
-        EXPECT_EQ(&a.at(i, j, k), &a(i, j, k));
-        EXPECT_EQ(&a.at(I(i, j, k)), &a(i, j, k));
         EXPECT_EQ(&flipped.at(i, j, k), &a(3 - i, j, k));
         EXPECT_EQ(&swapped.at(k, j, i), &a(i, j, k));
-        EXPECT_TRUE(i > 1 || j > 1 || &window.at(i, j, k) == &a(1 + i, 1 + j, k));
       }
   A b = Counting<double>(I(3, 2));  // rows (1 2 3) (4 5 6)
   A turned;
-  turned.Set(b);
-  turned.Flip(1);
-  turned.SwapAxis(0, 1);  // sizes 2, 3: turned(i, j) = b(j, 1 - i)
+  ViewOf(turned, b, "f1 s01");  // sizes 2, 3: turned(i, j) = b(j, 1 - i)
   turned(0, 2) = -5;
   turned.at(1, 0) = -6;
   EXPECT_EQ(Walk(b), D({-6, 2, 3, 4, 5, -5}));

@@ -2,6 +2,8 @@
 // the elements of a walk and of the indexed access in storage order.
 #pragma once
 
+#include <sstream>
+#include <string>
 #include <vector>
 
 #include "zr/zr.h"
@@ -44,6 +46,32 @@ zrArrayND<T> Counting(const zrArray<int>& range, int first = 1, int period = 1 <
   int k = 0;
   for (T& x : a) x = static_cast<T>(first + k++ % period);
   return a;
+}
+
+// Changes a view by steps, left to right: "fK" flips axis K, "sKL" exchanges axes K and L,
+// "rKL" turns axes K and L, "tKV" gives axis K the step V (a digit), "wK" drops the first
+// and last index of axis K.
+template <class T>
+void Steps(zrArrayND<T>& view, const std::string& steps) {
+  std::istringstream in(steps);
+  for (std::string s; in >> s;) {
+    const int k = s[1] - '0';
+    zrArray<int> range(view.Range());
+    zrArray<int> tab(view.Tab());
+    if (s[0] == 'f') view.Flip(k);
+    if (s[0] == 's') view.SwapAxis(k, s[2] - '0');
+    if (s[0] == 'r') view.Rotate90(k, s[2] - '0');
+    if (s[0] == 't') tab[k] = s[2] - '0';
+    if (s[0] == 'w') range[k] -= 2;
+    if (s[0] == 't' || s[0] == 'w') view.Set(view, s[0] == 'w' ? tab[k] : 0, range, tab);
+  }
+}
+
+// Makes view a view of base, changed by the steps.
+template <class T>
+void ViewOf(zrArrayND<T>& view, const zrArrayND<T>& base, const std::string& steps) {
+  view.Set(base);
+  Steps(view, steps);
 }
 
 }  // namespace zr_test
