@@ -30,9 +30,7 @@ void ExpectWithinTol(const zrExtremumResult& r, double expected,
 // pace), a kink, a jump down (the minimum is the jump itself), an infinite barrier, a V
 // under a tight tolerance, and minima at an end (found exactly, in a few calls).
 TEST(ExtremumTest, FunctionsTable) {
-  zrExtremumOptions tight;
-  tight.absTol = 1e-13;
-  tight.relTol = 0;
+  const zrExtremumOptions tight{1e-13, 0};
   const zrExtremumOptions normal;
   const struct {
     std::function<double(double)> f;
@@ -69,9 +67,7 @@ TEST(ExtremumTest, FlatMinimaKeepTheBracketShrinking) {
   // (x - s)^4 with the minimum at 40 places: parabolic steps alone close in by a steady
   // factor from alternating sides (894 calls in all); a golden step whenever the bracket has
   // not halved in three steps brings it to 845.
-  zrExtremumOptions o;
-  o.relTol = std::ldexp(1.0, -25);
-  o.absTol = o.relTol / 4;
+  const zrExtremumOptions o{std::ldexp(1.0, -27), std::ldexp(1.0, -25)};  // absTol, relTol
   int total = 0;
   for (int i = 0; i < 40; ++i) {
     const double s = -0.9 + 2.8 * i / 39;
@@ -123,8 +119,7 @@ TEST(ExtremumTest, BadParametersAndNaN) {
               zrFindExtremum([](double x) { return x < 1 ? x : std::nan(""); }, 0.0, 4.0, kMin);
             }));
   const auto options = [&](double absTol, double relTol, int maxEvaluations) {
-    zrExtremumOptions o;
-    o.absTol = absTol, o.relTol = relTol, o.maxEvaluations = maxEvaluations;
+    const zrExtremumOptions o{absTol, relTol, maxEvaluations};
     return BadParametersText([&] { zrFindExtremum(sq, 0.0, 1.0, kMin, o); });
   };
   const std::string tol = prefix + "absTol must be finite and > 0, relTol finite and >= 0";

@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include "support/array_builders.h"
 #include "support/test_support.h"
 #include "zr/numeric/numeric.h"
 
@@ -8,12 +9,7 @@ namespace {
 using P = zrPolynom<double>;
 using Col = zrColumnVector<double>;
 
-Col Koef(std::initializer_list<double> values) {
-  Col c(static_cast<int>(values.size()));
-  int i = 0;
-  for (double v : values) c[i++] = v;
-  return c;
-}
+const auto Koef = zr_test::Of<Col>;
 
 TEST(PolynomTest, ValuesAndDerivativesInBothForms) {
   // 3t^4 - 2t^3 + t - 5 about -2 at t = 0.5; the fourth derivative is 72.
