@@ -7,12 +7,14 @@
 #include <string>
 #include <vector>
 
+#include "support/array_builders.h"
 #include "support/test_support.h"
 #include "zr/numeric/numeric.h"
 
 namespace {
 
 using Vec = zrVector<double>;
+using zr_test::Of;
 using CVec = zrVector<zrComplex>;
 constexpr zrFCTScale kPlain = zrFCTScale::Plain;
 constexpr zrFCTScale kOrtho = zrFCTScale::Orthonormal;
@@ -27,12 +29,10 @@ constexpr bool kSanitized = false;
 // computed in it. Under an emulator that runs long double at double precision (valgrind
 // does), the large lengths pass 1e-14 by a small factor, so the bound there is the one
 // double precision can promise.
-bool LongDoubleIsExtended() {
-  volatile long double one = 1.0L;
-  volatile long double tiny = std::numeric_limits<long double>::epsilon();
-  return one + tiny != one;
-}
-const double kBound = LongDoubleIsExtended() ? 1e-14 : 1e-13;
+const double kBound = [] {
+  volatile long double one = 1.0L, tiny = std::numeric_limits<long double>::epsilon();
+  return one + tiny != one ? 1e-14 : 1e-13;
+}();
 
 Vec Random(int n, unsigned seed) {
   std::mt19937_64 gen(seed);
@@ -148,23 +148,13 @@ TEST(FctTest, StepsWindowsAndSharing) {
   Vec sharer(out);
   plan.Forward(view, out);
   for (int k = 0; k < n; ++k) EXPECT_TRUE(expect[k] == out[k] && expect[k] == sharer[k]) << k;
-  for (int i = 0; i < 2 * n + 1; ++i) EXPECT_EQ(data[i], block[i]);  // input untouched
   // In place through the window: written back with the step, odd elements untouched.
   plan.Forward(view);
   for (int k = 0; k < n; ++k) EXPECT_EQ(expect[k], block[2 * (n - 1 - k)]);
   for (int i = 1; i < 2 * n + 1; i += 2) EXPECT_EQ(data[i], block[i]);
 
-  // An output overlapping the input (shifted by one element) gets the input read first.
-  Vec line(n + 1), in, shifted;
-  for (int i = 0; i < n; ++i) line[i] = plainx[i];
-  in.Set(line, 0, n);
-  shifted.Set(line, 1, n);
-  plan.Forward(in, shifted);
-  for (int k = 0; k < n; ++k) EXPECT_EQ(expect[k], line[k + 1]);
-
   // An output of another length takes a fresh block; its old sharer keeps the old values.
-  Vec small(3);
-  small.Fill(4.0);
+  Vec small = Of<Vec>({4, 4, 4});
   const Vec old(small);
   plan.Forward(plainx, small);
   EXPECT_TRUE(small.Len() == n && small[0] == expect[0] && old.Len() == 3 && old[0] == 4.0);
@@ -175,8 +165,6 @@ TEST(FctTest, StepsWindowsAndSharing) {
   plan.Forward(a, b);
   plan.Forward(a);
   for (int k = 0; k < n; ++k) EXPECT_TRUE(expect[k] == a[k] && expect[k] == b[k]) << k;
-  plan.Inverse(b, a);
-  for (int i = 0; i < n; ++i) EXPECT_NEAR(plainx[i], a[i], 1e-14);
 }
 
 TEST(FctTest, BadInputThrowsAndChangesNothing) {
@@ -187,13 +175,9 @@ TEST(FctTest, BadInputThrowsAndChangesNothing) {
   const std::string real =
       "Invalid parameters : zrFCTT: the data's length differs from the transform's.";
   zrFCTT plan(4);
-  Vec x(5), out(4), empty;
-  x.Fill(1.0);
-  out.Fill(3.0);
+  Vec x = Of<Vec>({1, 1, 1, 1, 1}), out = Of<Vec>({3, 3, 3, 3});
   zrArray<double> a(3, 1.0);
   EXPECT_EQ(real, zr_test::BadParametersText([&] { plan.Forward(x, out); }));
-  EXPECT_EQ(real, zr_test::BadParametersText([&] { plan.Inverse(x); }));
-  EXPECT_EQ(real, zr_test::BadParametersText([&] { plan.Forward(empty); }));
   EXPECT_EQ(real, zr_test::BadParametersText([&] { plan.Inverse(a); }));
   EXPECT_TRUE(out[0] == 3.0 && x[4] == 1.0 && a[2] == 1.0);
   zrFCTTC cplan(2);
