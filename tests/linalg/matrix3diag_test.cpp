@@ -96,20 +96,9 @@ TEST(Matrix3Diag, ViewsArithmeticAndFlatForm) {
   EXPECT_EQ(back(2, 1), big(3, 2));
 }
 
-TEST(Matrix3Diag, SolversMatchDense) {
+// The five-band solvers, plain and cyclic, against the dense system they stand for.
+TEST(Matrix3Diag, FactorizeSolversMatchDense) {
   Col x, y;
-  for (int n : {1, 2, 3, 10, 60}) {
-    const M3 a = Tri(n);
-    const Col b = RVec(n);
-    a.SolveEquationChaserMethod(x, b);
-    ExpectSolves(a.GetMatrix(), b, x);
-    if (n < 3) continue;
-    const double top = R(), bottom = R();
-    a.SolveEquationCycleChaserMethod(y, b, top, bottom);
-    Dense d = a.GetMatrix();
-    d(0, n - 1) = top, d(n - 1, 0) = bottom;
-    ExpectSolves(d, b, y);
-  }
   for (int n : {3, 4, 5, 6, 9, 40}) {
     const M3 a = Tri(n);
     const Col b = RVec(n);
@@ -130,16 +119,18 @@ TEST(Matrix3Diag, SolversMatchDense) {
   }
 }
 
-// The sweeps of several right-hand sides at once and of the cyclic system's two columns
-// give every level the plain level's bits; every place the solution may be gives the
-// bits of a fresh one: a vector of the right size, the right-hand side itself, storage
-// the bands share (which must not hold the sweep's intermediate values).
-TEST(Matrix3Diag, SweepsAgreeAtEveryLevelAndWherePlaced) {
-  for (const int n : {2, 3, 4, 5, 9, 17, 100, 1001}) {
+// The sweep solves the dense system, plain and cyclic; the sweeps of several right-hand
+// sides at once and of the cyclic system's two columns give every level the plain level's
+// bits; every place the solution may be gives the bits of a fresh one: a vector of the
+// right size, the right-hand side itself, storage the bands share (which must not hold the
+// sweep's intermediate values).
+TEST(Matrix3Diag, SweepsSolveAgreeAtEveryLevelAndWherePlaced) {
+  for (const int n : {1, 2, 3, 4, 5, 9, 100}) {
     const M3 a = Tri(n);
     const Col b = RVec(n);
     Col fresh, sized(n), same(b);
     a.SolveEquationChaserMethod(fresh, b);
+    ExpectSolves(a.GetMatrix(), b, fresh);
     same.Copy();
     a.SolveEquationChaserMethod(sized, b);
     a.SolveEquationChaserMethod(same, same);
@@ -162,7 +153,7 @@ TEST(Matrix3Diag, SweepsAgreeAtEveryLevelAndWherePlaced) {
       EXPECT_EQ(Values(x), Values(fresh)) << n << " band " << k;
     }
 
-    for (const int cols : {1, 3, 4, 5, 9}) {
+    for (const int cols : {1, 2, 3, 9}) {
       Dense B(n, cols);
       for (int j = 0; j < cols; ++j)
         for (int i = 0; i < n; ++i) B(i, j) = R();
@@ -181,6 +172,9 @@ TEST(Matrix3Diag, SweepsAgreeAtEveryLevelAndWherePlaced) {
       in_place.Copy();
       a.SolveEquationCycleChaserMethod(x, b, 0.375, -0.625);
       a.SolveEquationCycleChaserMethod(in_place, in_place, 0.375, -0.625);
+      Dense d = a.GetMatrix();
+      d(0, n - 1) = 0.375, d(n - 1, 0) = -0.625;
+      ExpectSolves(d, b, x);
       EXPECT_EQ(Values(in_place), Values(x));
       return Values(x);
     });

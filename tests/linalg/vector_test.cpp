@@ -4,7 +4,6 @@
 #include <cmath>
 #include <cstring>
 #include <initializer_list>
-#include <type_traits>
 #include <vector>
 
 #include "support/linalg_values.h"
@@ -31,14 +30,12 @@ V3 Val(double d, V3) { return V3(d, 2 * d, -d); }
 template <class T>
 void CheckElementType(const char* name) {
   SCOPED_TRACE(name);
-  zrVector<T> a(6);
+  zrVector<T> a(6), w, w2;
   for (int i = 0; i < 6; ++i) a[i] = Val(i, T());
-
-  zrVector<T> shared(a);  // the copy constructor shares
+  zrVector<T> shared(a), other(a), detached(a), back(a);  // the copy constructor shares
   shared[0] = Val(9, T());
-  EXPECT_TRUE(a[0] == Val(9, T()) && a.GetNumOfRef() == 1);
+  EXPECT_TRUE(a[0] == Val(9, T()) && a.GetNumOfRef() == 4);
 
-  zrVector<T> w, w2;
   w.Set(a, 1, 3, 2);   // storage 1, 3, 5
   w2.Set(w, 1, 2, 2);  // the given step is not scaled by w's: storage 3, 5
   EXPECT_EQ(Values(w2), (std::vector<T>{Val(3, T()), Val(5, T())}));
@@ -47,23 +44,18 @@ void CheckElementType(const char* name) {
   // another length it takes fresh storage and leaves the old sharers alone.
   w = Of<zrVector<T>>({Val(7, T()), Val(8, T()), Val(9, T())});
   EXPECT_EQ(shared[3], Val(8, T()));
-  zrVector<T> other(a);
   other = Of<zrVector<T>>({Val(1, T())});
   EXPECT_TRUE(other.GetNumOfRef() == 0 && a.Len() == 6);
-
-  zrVector<T> detached(a);
   detached.Copy();
   detached[0] = Val(4, T());
   EXPECT_EQ(a[0], Val(9, T()));
 
   // The flat form of the window is packed; reading it back gives a contiguous vector.
-  std::vector<unsigned char> buf(static_cast<std::size_t>(w.MemSize()));
-  ASSERT_EQ(w.MemSize(), static_cast<int>(4 + 3 * sizeof(T)));
-  EXPECT_EQ(w.ToMem(buf.data()), w.MemSize());
-  EXPECT_EQ(std::memcmp(buf.data(), "\3\0\0\0", 4), 0);
+  std::vector<unsigned char> buf(4 + 3 * sizeof(T));
+  ASSERT_EQ(w.MemSize(), static_cast<int>(buf.size()));
+  EXPECT_TRUE(w.ToMem(buf.data()) == w.MemSize() && std::memcmp(buf.data(), "\3\0\0\0", 4) == 0);
   for (int i = 0; i < 3; ++i)
     EXPECT_EQ(std::memcmp(buf.data() + 4 + i * sizeof(T), &a[2 * i + 1], sizeof(T)), 0) << i;
-  zrVector<T> back(a);
   EXPECT_EQ(back.FromMem(buf.data()), w.MemSize());
   // FromMem took fresh storage.
   EXPECT_TRUE(Values(back) == Values(w) && back.Tab() == 1 && a[1] == Val(7, T()));
@@ -76,9 +68,8 @@ void CheckElementType(const char* name) {
   // Assigned a reversed view of itself, a vector is reversed in place: its sharers see it.
   std::vector<T> reversed = Values(a);
   std::reverse(reversed.begin(), reversed.end());
-  zrVector<T> backwards;
-  backwards.Set(a, 5, 6, -1);
-  a = backwards;
+  w.Set(a, 5, 6, -1);
+  a = w;
   EXPECT_EQ(Values(shared), reversed);
 }
 
@@ -149,9 +140,9 @@ TEST(Vector, PerTypeRules) {
   EXPECT_EQ(Of<VP>({V3(3, 0, 1), V3(4, 2, 0)}).Norm(), V3(5, 2, 1));
 }
 
-// What the two orientations share: their class (answers, NewVector, the class of every
-// result), T() viewing the same elements as the other one, fresh results, the length
-// check, and arrays that move them by handles and copy them by value.
+// What the two orientations share: T() viewing the same elements as the other one, fresh
+// results of their class, the length check, and arrays that move them by handles and copy
+// them by value.
 template <class V>
 class Oriented : public ::testing::Test {};
 using OrientedTypes = ::testing::Types<zrColumnVector<double>, zrLineVector<double>>;
@@ -159,14 +150,8 @@ TYPED_TEST_SUITE(Oriented, OrientedTypes);
 
 TYPED_TEST(Oriented, ClassViewsResultsAndArrays) {
   using V = TypeParam;
-  const int column = std::is_same_v<V, zrColumnVector<double>> ? 1 : 0;
   V v = Of<V>({1, 2, 3});
-  EXPECT_TRUE(v.IsColumn() == column && v.IsLine() == 1 - column);
-  zrVector<double>* made = static_cast<const zrVector<double>&>(v).NewVector();
-  EXPECT_TRUE(dynamic_cast<V*>(made) != nullptr);
-  zrUsingNew::Delete(made);
   auto t = v.T();
-  EXPECT_TRUE(t.IsColumn() == 1 - column && t.GetPointer() == v.GetPointer());
   t[1] = 20;
   EXPECT_EQ(v[1], 20);
 
