@@ -18,30 +18,10 @@ using Col = zrColumnVector<double>;
 using Dense = zrMatrix<double>;
 using zr_test::Values;
 
-// Values of mixed sign and magnitude from a counter, so that every call gives new ones.
-double R() {
-  static std::uint64_t seed = 0;
-  return zr_test::Mixed(1, ++seed)[0] / 4;
-}
-Col RVec(int n) {
-  Col v(n);
-  for (int i = 0; i < n; ++i) v[i] = R();
-  return v;
-}
-// Diagonally dominant, enough to take two more bands and corners.
-M3 Tri(int n) {
-  M3 a(n);
-  for (int i = 0; i < n; ++i) a.Diag()[i] = 8 + R();
-  for (int i = 0; i + 1 < n; ++i) a.Up()[i] = R(), a.Down()[i] = R();
-  return a;
-}
-
-// x solves the dense system d x = b: its residual is at rounding level.
-void ExpectSolves(const Dense& d, const Col& b, const Col& x) {
-  const Col r = d * x;
-  ASSERT_EQ(x.Len(), b.Len());
-  for (int i = 0; i < x.Len(); ++i) EXPECT_NEAR(r[i], b[i], 1e-14) << "row " << i;
-}
+using zr_test::ExpectSolves;
+using zr_test::R;
+using zr_test::RVec;
+using zr_test::Tri;
 
 TEST(Matrix3Diag, ViewsArithmeticAndFlatForm) {
   // The band of a dense 3 x 4 matrix and of its transpose (other steps) writes through.
@@ -182,8 +162,8 @@ TEST(Matrix3Diag, SweepsSolveAgreeAtEveryLevelAndWherePlaced) {
 }
 
 // Every refusal with its text, and nothing changed by it. The diagonals can be edited
-// into lengths that do not fit, and the unchecked reader takes what it reads: everything
-// that walks the band refuses such a matrix.
+// into lengths that do not fit, and the unchecked reader takes what it reads: what walks
+// the band (all through one check) refuses such a matrix, as operand or as the matrix.
 TEST(Matrix3Diag, Errors) {
   const std::string size = "different size.", len = "different length.",
                     range = "zrMatrix3Diag: out of range", small = "invalid size : size < 3.",
@@ -211,23 +191,15 @@ TEST(Matrix3Diag, Errors) {
       {[&] { a4.SolveEquationCycleFactorizeMethod(two, two, 1, 1, 1, 1, 1, 1, x, Col(4)); }, small},
       {[&] { (void)M3(three, three, two); }, bad},
       {[&] { (void)M3(two, three, three); }, bad},
-      {[&] { (void)M3(two, Col(1), none); }, bad},
       {[&] { edited.SolveEquationChaserMethod(x, b); }, bad},
-      {[&] { edited.SolveEquationChaserMethod(X, Dense(4, 1)); }, bad},
-      {[&] { edited.SolveEquationCycleChaserMethod(x, b, 1, 1); }, bad},
-      {[&] { edited.SolveEquationFactorizeMethod(two, two, x, b); }, bad},
-      {[&] { (void)(edited * b); }, bad},
       {[&] { (void)(Tri(4) * edited); }, bad},
-      {[&] { (void)edited.GetMatrix(); }, bad},
-      {[&] { (void)edited.T(); }, bad},
       {[&] { read.SolveEquationChaserMethod(x, b); }, bad},
   };
   for (const auto& c : cases)
-    EXPECT_EQ(zr_test::BadParametersText(c.first), "Invalid parameters : " + c.second);
+    EXPECT_EQ(zr_test::BadParametersText(c.first), zr_test::kInvalid + c.second);
   EXPECT_TRUE(X.GetPointer() == before && x.Len() == 4 && x[3] == 7);
   EXPECT_EQ(three.GetNumOfRef(), 0);  // nothing was shared
   EXPECT_EQ(M3(two, three, two).LineLen(), 3);
-  EXPECT_EQ(M3(none, Col(1), none).LineLen(), 1);
   EXPECT_EQ(M3(none, none, none).LineLen(), 0);
 }
 

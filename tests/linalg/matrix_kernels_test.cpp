@@ -28,42 +28,9 @@ struct Open : M {
   using M::Inverse1;
 };
 
-// Values of mixed magnitude; small integers with many exact zeros (zero multipliers, ties,
-// zero pivots); spread from subnormal to huge (infinities and NaNs on the way); or mostly
-// signed zeros (a sum that starts at +0 instead of its first product shows).
-enum Fill { kMixed, kSparse, kWide, kZeros };
-
-// Storage of its own holding a rows x cols view with steps sl (in line) and sc (in column)
-// and a right-hand side of rows elements at step bstep: right after the matrix's span, or,
-// with inside, on the matrix's column 1. Every element of the storage is filled, so that a
-// kernel reading or writing the wrong one shows.
-struct Layout {
-  int rows, cols, sl, sc;
-  int bstep = 1;
-  bool inside = false;
-};
-
-struct Laid {
-  std::vector<double> store;
-  Open m;
-  Col b;
-
-  Laid(const Layout& l, Fill fill, std::uint64_t seed) {
-    const int along = (l.cols - 1) * l.sl, down = (l.rows - 1) * l.sc;
-    const int low = std::min(along, 0) + std::min(down, 0), bspan = l.rows * std::abs(l.bstep);
-    const int span = std::max(along, 0) + std::max(down, 0) - low + 1;
-    store = zr_test::Mixed(static_cast<std::size_t>(span + bspan + 8), seed);
-    for (std::size_t i = 0; i < store.size(); ++i) {
-      double& v = store[i];
-      if (fill == kSparse) v = std::trunc(v * 0.75);
-      if (fill == kWide) v = std::ldexp(v, static_cast<int>((i * 613) % 2040) - 1060);
-      if (fill == kZeros && i % 5) v = i % 2 ? 0.0 : -0.0;
-    }
-    m.SetDirectly(store.data() + 4 - low, l.rows, l.cols, l.sl, l.sc);
-    double* const after = store.data() + 4 + span + (l.bstep < 0 ? bspan + l.bstep : 0);
-    b.SetDirectly(l.inside ? &m(0, 1) : after, l.rows, l.inside ? l.sc : l.bstep);
-  }
-};
+using Laid = zr_test::Laid<Open>;
+using zr_test::Fill, zr_test::kMixed, zr_test::kSparse, zr_test::kWide, zr_test::kZeros;
+using zr_test::Layout;
 
 // What op gave (or the text it threw, a double a byte), then what it left in the storage.
 template <class F>
