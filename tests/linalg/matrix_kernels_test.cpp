@@ -32,18 +32,7 @@ using Laid = zr_test::Laid<Open>;
 using zr_test::Fill, zr_test::kMixed, zr_test::kSparse, zr_test::kWide, zr_test::kZeros;
 using zr_test::Layout;
 
-// What op gave (or the text it threw, a double a byte), then what it left in the storage.
-template <class F>
-std::vector<double> Left(const Laid& s, F op) {
-  std::vector<double> out;
-  try {
-    out = op();
-  } catch (const BadParameters& e) {
-    for (const char* c = e.GetMessageText(); *c; ++c) out.push_back(*c);
-  }
-  out.insert(out.end(), s.store.begin(), s.store.end());
-  return out;
-}
+using zr_test::Left;
 
 std::vector<double> Solved(Laid& s) {
   return Left(s, [&] {

@@ -24,14 +24,10 @@ using C = zrComplex;
 using V3 = zrTVec3<double>;
 using D = std::vector<double>;
 
-// The message SolveEquationGaussMethod(x, rhs) throws; x is passed on.
-template <class TT>
-std::string SolveText(zrMatrix<TT> a, zrColumnVector<TT> rhs, zrColumnVector<TT>& x) {
-  return BadParametersText([&] { a.SolveEquationGaussMethod(x, rhs); });
-}
-
+using zr_test::ExpectRefused;
 using zr_test::kInconsistent;
 using zr_test::kNotUnique;
+using zr_test::SolveText;
 const std::string& kPrefix = zr_test::kInvalid;
 
 }  // namespace
@@ -132,8 +128,7 @@ TEST(Matrix, DeterminantKeepsTheEliminationRules) {
   M m = Rows({{1, 0, 4}, {2, 0, 0}, {3, 1, 3}});
   EXPECT_EQ(m.Det(), -12);
   EXPECT_EQ(m(2, 2), 3);  // Det works on a copy
-  EXPECT_EQ(BadParametersText([] { (void)M(2, 3).Det(); }),
-            kPrefix + "Det: Matrix must be square.");
+  ExpectRefused("Det: Matrix must be square.", [] { (void)M(2, 3).Det(); });
   EXPECT_EQ(M().Det(), 1);
 }
 
@@ -141,15 +136,14 @@ TEST(Matrix, GaussSolverAndInverse) {
   M a = Rows({{1, 2}, {3, 4}});
   Col b = Of<Col>({5, 6}), x;
   a.SolveEquationGaussMethod(x, b);
-  EXPECT_DOUBLE_EQ(x[0], -4);
-  EXPECT_DOUBLE_EQ(x[1], 4.5);
+  EXPECT_TRUE(std::fabs(x[0] + 4) < 1e-14 && std::fabs(x[1] - 4.5) < 1e-14);
   // The rows stay in their places: row 1 was the pivot, normalised by 1/3 past column 0.
   EXPECT_EQ(Values(a), (D{1, 1.0 / 1 * 2 - 4 * (1.0 / 3), 3, 4 * (1.0 / 3)}));
   EXPECT_EQ(b[1], 6 * (1.0 / 3));
 
   Col keep = Of<Col>({9, 9});
-  EXPECT_EQ(SolveText(Rows({{1, 2}, {2, 4}}), Of<Col>({1, 2}), keep), kNotUnique);
-  EXPECT_EQ(keep[0], 9);
+  EXPECT_TRUE(SolveText(Rows({{1, 2}, {2, 4}}), Of<Col>({1, 2}), keep) == kNotUnique &&
+              keep[0] == 9);
   EXPECT_EQ(SolveText(Rows({{1, 0}, {0, 1}, {1, 1}}), Of<Col>({1, 2, 3}), x), kInconsistent);
   // A zero pivot before the last column does not let a tall system through to a back
   // substitution that would read past its rows.
@@ -161,7 +155,7 @@ TEST(Matrix, GaussSolverAndInverse) {
   EXPECT_EQ(Values(c.Inverse()), (D{0.25, 0, -0.25 * (1 / 1.5), 0.5 * (1 / 1.5)}));
   EXPECT_EQ(Values(c), (D{4, 0, 2, 3}));
   EXPECT_EQ(BadParametersText([] { (void)Rows({{1, 2}, {2, 4}}).Inverse(); }), kNotUnique);
-  EXPECT_EQ(BadParametersText([] { (void)M(2, 3).Inverse(); }), kPrefix + "Matrix must be square.");
+  ExpectRefused("Matrix must be square.", [] { (void)M(2, 3).Inverse(); });
 }
 
 TEST(Matrix, ValueElementTypes) {
@@ -170,18 +164,6 @@ TEST(Matrix, ValueElementTypes) {
   Rows<C>({{C(0, 1), C(0)}, {C(0), C(1)}}).SolveEquationGaussMethod(zx, zb);
   EXPECT_TRUE(zx[0] == C(0, -1) && zx[1] == C(2));
   EXPECT_EQ(Rows<C>({{C(0, 1), C(0)}, {C(0), C(0, 1)}}).Det(), C(-1, 0));
-
-  // Three coordinate systems whose pivots agree solve as three double systems.
-  const double a[4][3] = {{1, 2, 1}, {2, 1, 1}, {3, 5, 2}, {4, 3, 3}};
-  const double rhs[2][3] = {{5, 1, 2}, {6, 2, 3}};
-  const auto vec = [](const double* c) { return V3(c[0], c[1], c[2]); };
-  zrColumnVector<V3> pb = Of<zrColumnVector<V3>>({vec(rhs[0]), vec(rhs[1])}), px;
-  Rows<V3>({{vec(a[0]), vec(a[1])}, {vec(a[2]), vec(a[3])}}).SolveEquationGaussMethod(px, pb);
-  for (int c = 0; c < 3; ++c) {
-    Col db = Of<Col>({rhs[0][c], rhs[1][c]}), dx;
-    Rows({{a[0][c], a[1][c]}, {a[2][c], a[3][c]}}).SolveEquationGaussMethod(dx, db);
-    EXPECT_TRUE(px[0][c] == dx[0] && px[1][c] == dx[1]) << c;
-  }
 }
 
 // Pivots whose coordinates disagree: a candidate must beat the running maximum in all

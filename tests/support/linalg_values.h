@@ -16,6 +16,7 @@
 #include <vector>
 
 #include "support/levels.h"
+#include "support/test_support.h"
 #include "zr/linalg/linalg.h"
 
 namespace zr_test {
@@ -66,6 +67,25 @@ std::vector<TT> Values(const zrMatrix<TT>& m) {
   for (int i = 0; i < m.ColumnLen(); ++i)
     for (int j = 0; j < m.LineLen(); ++j) r.push_back(m(i, j));
   return r;
+}
+
+// Expects f to throw BadParameters with kInvalid + text.
+template <class F>
+void ExpectRefused(const std::string& text, F&& f) {
+  EXPECT_EQ(BadParametersText(f), kInvalid + text);
+}
+
+// The text SolveEquationGaussMethod(x, rhs) throws on a copy of a; x is passed on.
+template <class TT>
+std::string SolveText(zrMatrix<TT> a, zrColumnVector<TT> rhs, zrColumnVector<TT>& x) {
+  return BadParametersText([&] { a.SolveEquationGaussMethod(x, rhs); });
+}
+
+// Elements of a small matrix (or any class with GetPointer) in storage order, compared
+// exactly (eps 0) or within eps.
+template <class M, int N>
+void ExpectElements(const M& m, const double (&want)[N], double eps = 0) {
+  for (int i = 0; i < N; ++i) EXPECT_NEAR(m.GetPointer()[i], want[i], eps) << "element " << i;
 }
 
 // Values of mixed sign and magnitude from a counter, so that every call gives new ones.
@@ -133,5 +153,19 @@ struct Laid {
     b.SetDirectly(l.inside ? &m(0, 1) : after, l.rows, l.inside ? l.sc : l.bstep);
   }
 };
+
+// What op gave (or the text it threw, a double a byte), then what it left in the storage
+// under s.
+template <class L, class F>
+std::vector<double> Left(const L& s, F op) {
+  std::vector<double> out;
+  try {
+    out = op();
+  } catch (const BadParameters& e) {
+    for (const char* c = e.GetMessageText(); *c; ++c) out.push_back(*c);
+  }
+  out.insert(out.end(), s.store.begin(), s.store.end());
+  return out;
+}
 
 }  // namespace zr_test
