@@ -16,12 +16,7 @@ namespace {
 using M3 = zrMatrix3Diag<double>;
 using Col = zrColumnVector<double>;
 using Dense = zrMatrix<double>;
-using zr_test::Values;
-
-using zr_test::ExpectSolves;
-using zr_test::R;
-using zr_test::RVec;
-using zr_test::Tri;
+using zr_test::ExpectSolves, zr_test::R, zr_test::RVec, zr_test::Tri, zr_test::Values;
 
 TEST(Matrix3Diag, ViewsArithmeticAndFlatForm) {
   // The band of a dense 3 x 4 matrix and of its transpose (other steps) writes through.

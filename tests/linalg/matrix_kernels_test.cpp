@@ -17,8 +17,7 @@ namespace {
 
 using M = zrMatrix<double>;
 using Col = zrColumnVector<double>;
-using zr_test::ExpectLevelsAgree;
-using zr_test::Values;
+using zr_test::ExpectLevelsAgree, zr_test::Layout, zr_test::Left, zr_test::Values;
 
 // Inverse1 leaves the eliminated matrix behind; a derived class reaches it.
 struct Open : M {
@@ -27,8 +26,6 @@ struct Open : M {
 
 using Laid = zr_test::Laid<Open>;
 using zr_test::Fill, zr_test::kMixed, zr_test::kSparse, zr_test::kWide, zr_test::kZeros;
-using zr_test::Layout;
-using zr_test::Left;
 
 // The solution, and for a square view the inverse and the determinant, of the laid matrix
 // after edit.

@@ -12,8 +12,7 @@ namespace {
 
 const double kPi = std::acos(-1.0);
 
-using zr_test::ExpectElements;
-using zr_test::ExpectRefused;
+using zr_test::ExpectElements, zr_test::ExpectRefused;
 
 void ExpectNear(const zrTVec3<double>& a, const zrTVec3<double>& b) {
   for (int i = 0; i < 3; ++i) EXPECT_NEAR(a[i], b[i], 1e-14) << "component " << i;
