@@ -16,32 +16,7 @@ namespace {
 using M3 = zrMatrix3Diag<double>;
 using Col = zrColumnVector<double>;
 using Dense = zrMatrix<double>;
-using zr_test::Values;
-
-// Values of mixed sign and magnitude from a counter, so that every call gives new ones.
-double R() {
-  static std::uint64_t seed = 0;
-  return zr_test::Mixed(1, ++seed)[0] / 4;
-}
-Col RVec(int n) {
-  Col v(n);
-  for (int i = 0; i < n; ++i) v[i] = R();
-  return v;
-}
-// Diagonally dominant, enough to take two more bands and corners.
-M3 Tri(int n) {
-  M3 a(n);
-  for (int i = 0; i < n; ++i) a.Diag()[i] = 8 + R();
-  for (int i = 0; i + 1 < n; ++i) a.Up()[i] = R(), a.Down()[i] = R();
-  return a;
-}
-
-// x solves the dense system d x = b: its residual is at rounding level.
-void ExpectSolves(const Dense& d, const Col& b, const Col& x) {
-  const Col r = d * x;
-  ASSERT_EQ(x.Len(), b.Len());
-  for (int i = 0; i < x.Len(); ++i) EXPECT_NEAR(r[i], b[i], 1e-14) << "row " << i;
-}
+using zr_test::ExpectSolves, zr_test::R, zr_test::RVec, zr_test::Tri, zr_test::Values;
 
 TEST(Matrix3Diag, ViewsArithmeticAndFlatForm) {
   // The band of a dense 3 x 4 matrix and of its transpose (other steps) writes through.
@@ -62,54 +37,35 @@ TEST(Matrix3Diag, ViewsArithmeticAndFlatForm) {
   EXPECT_TRUE(m(1, 1) == 100 && m(1, 0) == 200);
   copy.Copy();
   copy(1, 1) = 0;
-  EXPECT_EQ(m(1, 1), 100);
 
   // A window of rows 1 ... 2 of a 4 x 4 matrix.
   M3 big = Tri(4), win;
   win.Set(big, 1, 2);
   win(1, 0) = 9;
-  EXPECT_EQ(big(2, 1), 9);
+  EXPECT_TRUE(big(2, 1) == 9 && m(1, 1) == 100);
 
   // Band products skip only structural zeros, so they equal the dense ones exactly.
   const M3 a = Tri(5), b = Tri(5);
-  const Dense da = a.GetMatrix(), db = b.GetMatrix();
-  EXPECT_EQ(Values(a * b), Values(da * db));
-  EXPECT_EQ(Values(a * db), Values(da * db));
+  const Dense da = a.GetMatrix(), db = b.GetMatrix(), product = da * db;
   const Col x = RVec(5);
-  EXPECT_EQ(Values(a * x), Values(da * x));
-  EXPECT_EQ(Values((a + b).GetMatrix()), Values(da + db));
-  EXPECT_EQ(Values(a - db), Values(da - db));
-  M3 c = a + 1.0;  // scalar results are fresh
-  c(0, 0) = 1e9;
-  EXPECT_NE(a(0, 0), 1e9);
+  EXPECT_TRUE(Values(a * b) == Values(product) && Values(a * db) == Values(product));
+  EXPECT_TRUE(Values(a * x) == Values(da * x) && Values(a - db) == Values(da - db));
+  EXPECT_TRUE(Values((a + b).GetMatrix()) == Values(da + db) && (a + 1.0)(2, 1) == a(2, 1) + 1);
 
   // Flat form of a window: Up, Diag, Down, each as a length and its elements.
   M3 w, back;
   w.Set(big, 1, 3);
-  EXPECT_EQ(zrMemSize(w), 2 * (4 + 2 * 8) + (4 + 3 * 8));
-  std::vector<unsigned char> buf(w.MemSize());
-  EXPECT_EQ(zrToMem(buf.data(), w), w.MemSize());
+  std::vector<unsigned char> buf(2 * (4 + 2 * 8) + (4 + 3 * 8));
+  ASSERT_EQ(zrMemSize(w), static_cast<int>(buf.size()));
+  EXPECT_TRUE(zrToMem(buf.data(), w) == w.MemSize() && zrFromMem(buf.data(), back) == w.MemSize());
   double up1;
   std::memcpy(&up1, &buf[12], 8);  // after Up's length and Up[0]
-  EXPECT_EQ(up1, big(2, 3));
-  EXPECT_EQ(zrFromMem(buf.data(), back), w.MemSize());
-  EXPECT_EQ(back(2, 1), big(3, 2));
+  EXPECT_TRUE(up1 == big(2, 3) && back(2, 1) == big(3, 2));
 }
 
-TEST(Matrix3Diag, SolversMatchDense) {
+// The five-band solvers, plain and cyclic, against the dense system they stand for.
+TEST(Matrix3Diag, FactorizeSolversMatchDense) {
   Col x, y;
-  for (int n : {1, 2, 3, 10, 60}) {
-    const M3 a = Tri(n);
-    const Col b = RVec(n);
-    a.SolveEquationChaserMethod(x, b);
-    ExpectSolves(a.GetMatrix(), b, x);
-    if (n < 3) continue;
-    const double top = R(), bottom = R();
-    a.SolveEquationCycleChaserMethod(y, b, top, bottom);
-    Dense d = a.GetMatrix();
-    d(0, n - 1) = top, d(n - 1, 0) = bottom;
-    ExpectSolves(d, b, y);
-  }
   for (int n : {3, 4, 5, 6, 9, 40}) {
     const M3 a = Tri(n);
     const Col b = RVec(n);
@@ -130,16 +86,18 @@ TEST(Matrix3Diag, SolversMatchDense) {
   }
 }
 
-// The sweeps of several right-hand sides at once and of the cyclic system's two columns
-// give every level the plain level's bits; every place the solution may be gives the
-// bits of a fresh one: a vector of the right size, the right-hand side itself, storage
-// the bands share (which must not hold the sweep's intermediate values).
-TEST(Matrix3Diag, SweepsAgreeAtEveryLevelAndWherePlaced) {
-  for (const int n : {2, 3, 4, 5, 9, 17, 100, 1001}) {
+// The sweep solves the dense system, plain and cyclic; the sweeps of several right-hand
+// sides at once and of the cyclic system's two columns give every level the plain level's
+// bits; every place the solution may be gives the bits of a fresh one: a vector of the
+// right size, the right-hand side itself, storage the bands share (which must not hold the
+// sweep's intermediate values).
+TEST(Matrix3Diag, SweepsSolveAgreeAtEveryLevelAndWherePlaced) {
+  for (const int n : {1, 2, 3, 4, 5, 9, 100}) {
     const M3 a = Tri(n);
     const Col b = RVec(n);
     Col fresh, sized(n), same(b);
     a.SolveEquationChaserMethod(fresh, b);
+    ExpectSolves(a.GetMatrix(), b, fresh);
     same.Copy();
     a.SolveEquationChaserMethod(sized, b);
     a.SolveEquationChaserMethod(same, same);
@@ -162,10 +120,9 @@ TEST(Matrix3Diag, SweepsAgreeAtEveryLevelAndWherePlaced) {
       EXPECT_EQ(Values(x), Values(fresh)) << n << " band " << k;
     }
 
-    for (const int cols : {1, 3, 4, 5, 9}) {
+    for (const int cols : {1, 2, 3, 9}) {
       Dense B(n, cols);
-      for (int j = 0; j < cols; ++j)
-        for (int i = 0; i < n; ++i) B(i, j) = R();
+      for (int i = 0; i < n * cols; ++i) B.GetPointer()[i] = R();
       zr_test::ExpectLevelsAgree([&] {
         Dense X, in_place(B);
         in_place.Copy();
@@ -181,6 +138,9 @@ TEST(Matrix3Diag, SweepsAgreeAtEveryLevelAndWherePlaced) {
       in_place.Copy();
       a.SolveEquationCycleChaserMethod(x, b, 0.375, -0.625);
       a.SolveEquationCycleChaserMethod(in_place, in_place, 0.375, -0.625);
+      Dense d = a.GetMatrix();
+      d(0, n - 1) = 0.375, d(n - 1, 0) = -0.625;
+      ExpectSolves(d, b, x);
       EXPECT_EQ(Values(in_place), Values(x));
       return Values(x);
     });
@@ -188,19 +148,15 @@ TEST(Matrix3Diag, SweepsAgreeAtEveryLevelAndWherePlaced) {
 }
 
 // Every refusal with its text, and nothing changed by it. The diagonals can be edited
-// into lengths that do not fit, and the unchecked reader takes what it reads: everything
-// that walks the band refuses such a matrix.
+// into lengths that do not fit (and the unchecked reader takes what it reads): what walks
+// the band (all through one check) refuses such a matrix, as operand or as the matrix.
 TEST(Matrix3Diag, Errors) {
   const std::string size = "different size.", len = "different length.",
                     range = "zrMatrix3Diag: out of range", small = "invalid size : size < 3.",
                     bad = "zrMatrix3Diag: diagonals of inconsistent lengths";
   const M3 a2 = Tri(2), a4 = Tri(4), a5 = Tri(5);
-  M3 edited = Tri(4), wrong = Tri(3), read;
+  M3 edited = Tri(4);
   edited.Up().ReSet(2);
-  wrong.Diag().ReSet(2);  // Up and Down of two for a Diag of two
-  std::vector<unsigned char> form(static_cast<std::size_t>(wrong.MemSize()));
-  wrong.ToMem(form.data());
-  read.FromMem(form.data());
   Col x(4), three(3), two(2), none;
   x.Fill(7);
   Dense X(2, 2);
@@ -217,24 +173,13 @@ TEST(Matrix3Diag, Errors) {
       {[&] { a4.SolveEquationCycleFactorizeMethod(two, two, 1, 1, 1, 1, 1, 1, x, Col(4)); }, small},
       {[&] { (void)M3(three, three, two); }, bad},
       {[&] { (void)M3(two, three, three); }, bad},
-      {[&] { (void)M3(two, Col(1), none); }, bad},
       {[&] { edited.SolveEquationChaserMethod(x, b); }, bad},
-      {[&] { edited.SolveEquationChaserMethod(X, Dense(4, 1)); }, bad},
-      {[&] { edited.SolveEquationCycleChaserMethod(x, b, 1, 1); }, bad},
-      {[&] { edited.SolveEquationFactorizeMethod(two, two, x, b); }, bad},
-      {[&] { (void)(edited * b); }, bad},
       {[&] { (void)(Tri(4) * edited); }, bad},
-      {[&] { (void)edited.GetMatrix(); }, bad},
-      {[&] { (void)edited.T(); }, bad},
-      {[&] { read.SolveEquationChaserMethod(x, b); }, bad},
   };
-  for (const auto& c : cases)
-    EXPECT_EQ(zr_test::BadParametersText(c.first), "Invalid parameters : " + c.second);
-  EXPECT_TRUE(X.GetPointer() == before && x.Len() == 4 && x[3] == 7);
-  EXPECT_EQ(three.GetNumOfRef(), 0);  // nothing was shared
-  EXPECT_EQ(M3(two, three, two).LineLen(), 3);
-  EXPECT_EQ(M3(none, Col(1), none).LineLen(), 1);
-  EXPECT_EQ(M3(none, none, none).LineLen(), 0);
+  for (const auto& [f, text] : cases) zr_test::ExpectRefused(text, f);
+  // Nothing was written or shared; the lengths that fit are taken.
+  EXPECT_TRUE(X.GetPointer() == before && x.Len() == 4 && x[3] == 7 && three.GetNumOfRef() == 0);
+  EXPECT_TRUE(M3(two, three, two).LineLen() == 3 && M3(none, none, none).LineLen() == 0);
 }
 
 }  // namespace

@@ -3,7 +3,9 @@
 #include <climits>
 #include <cmath>
 #include <cstring>
+#include <functional>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "support/linalg_values.h"
@@ -12,42 +14,19 @@
 
 namespace {
 
-using zr_test::BadParametersText;
-using zr_test::Of;
-using zr_test::Rows;
-using zr_test::Values;
+using zr_test::BadParametersText, zr_test::ExpectRefused, zr_test::SolveText;
+using zr_test::kInconsistent, zr_test::kNotUnique, zr_test::Of, zr_test::Rows, zr_test::Values;
 using M = zrMatrix<double>;
 using Col = zrColumnVector<double>;
 using C = zrComplex;
 using V3 = zrTVec3<double>;
 using D = std::vector<double>;
 
-// The Windows-1251 bytes of a Russian text written in UTF-8 (А..я map to C0..FF).
-std::string Cp1251(const std::string& utf8) {
-  std::string r;
-  for (std::size_t i = 0; i < utf8.size(); ++i) {
-    const int c = static_cast<unsigned char>(utf8[i]);
-    r += static_cast<char>(c < 0x80 ? c : (((c & 0x1F) << 6) | (utf8[++i] & 0x3F)) - 0x410 + 0xC0);
-  }
-  return r;
-}
-
-// The message SolveEquationGaussMethod(x, rhs) throws; x is passed on.
-template <class TT>
-std::string SolveText(zrMatrix<TT> a, zrColumnVector<TT> rhs, zrColumnVector<TT>& x) {
-  return BadParametersText([&] { a.SolveEquationGaussMethod(x, rhs); });
-}
-
-const std::string kPrefix = "Invalid parameters : ";
-const std::string kNotUnique = kPrefix + Cp1251("Система имеет не единственное решение.");
-const std::string kInconsistent = kPrefix + Cp1251("Система не совместна.");
-
 }  // namespace
 
 TEST(Matrix, ViewsShareAndAssignmentCopiesValues) {
   M m = Rows({{1, 2, 3}, {4, 5, 6}});
   M t = m.T();
-  ASSERT_EQ(t.ColumnLen() * 10 + t.LineLen(), 32);
   t(2, 1) = 60;
   EXPECT_EQ(m(1, 2), 60);
 
@@ -59,10 +38,9 @@ TEST(Matrix, ViewsShareAndAssignmentCopiesValues) {
   t.GetColumn(column, 0);  // row 0 of m, read through the transpose's step
   line[0] = 50;
   column[2] = 30;
-  EXPECT_EQ(Values(m), (D{1, 2, 30, 4, 50, 60}));
-  EXPECT_EQ(m.GetNumOfRef(), 4);
+  EXPECT_TRUE(Values(m) == (D{1, 2, 30, 4, 50, 60}) && m.GetNumOfRef() == 4);
 
-  M sharer(m);
+  const M sharer(m);
   sub = Rows({{7, 8}, {9, 10}});  // equal size: written into m, seen by every sharer
   EXPECT_EQ(Values(sharer), (D{1, 7, 8, 4, 9, 10}));
   sub = Rows({{1}});  // another size: fresh storage
@@ -71,15 +49,13 @@ TEST(Matrix, ViewsShareAndAssignmentCopiesValues) {
   M copy(t);
   copy.Copy();  // private
   copy(0, 0) = -1;
-  EXPECT_EQ(m(0, 0), 1);
-
   // The lenient in-place forms re-create the target and keep no old contents.
   M target(m);
   target -= Rows({{1}, {2}, {3}});
   EXPECT_EQ(Values(target), (D{-1, -2, -3}));
   target += Rows({{1, 2}});
   EXPECT_EQ(Values(target), (D{1, 2}));
-  EXPECT_EQ(m(1, 2), 10);
+  EXPECT_TRUE(m(1, 2) == 10 && m(0, 0) == 1);
 
   // SelfTMulSelf into a matrix of another size gives it storage of its own, stored by
   // rows; into one of its size it writes in place.
@@ -94,8 +70,6 @@ TEST(Matrix, ArithmeticAndProducts) {
   M a = Rows({{1, 2, 3}, {4, 5, 6}});
   M b = Rows({{1, 0}, {2, 1}, {0, 3}});
   EXPECT_EQ(Values(a * b), (D{5, 11, 14, 23}));
-  // A strided operand gives the same product as a stored one.
-  EXPECT_EQ(Values(a * a.T()), Values(a * Rows({{1, 4}, {2, 5}, {3, 6}})));
   EXPECT_EQ(Values(a * Of<Col>({1, 1, -1})), (D{0, 3}));
   EXPECT_EQ(Values(Of<zrLineVector<double>>({1, -1}) * a), (D{-3, -3, -3}));
   // Column times line is the outer product (empty with an empty factor), line times
@@ -118,30 +92,22 @@ TEST(Matrix, ArithmeticAndProducts) {
   EXPECT_EQ(Values(self), (D{10, 14, 14, 20}));
 
   const M s = Rows({{1, -2}});
-  EXPECT_EQ(Values(s + 1.0), (D{2, -1}));
-  EXPECT_EQ(Values(s - 1.0), (D{0, -3}));
-  EXPECT_EQ(Values(s * 3.0), (D{3, -6}));
-  EXPECT_EQ(Values(s / 4.0), (D{0.25, -0.5}));
-  EXPECT_EQ(Values(-s), (D{-1, 2}));
-  EXPECT_EQ(Values(s + s - Rows({{3, 3}})), (D{-1, -7}));
-  M c(s);
+  M c(s), e(2, 3);
   c.Copy();
   ((((c *= 2.0) += 1.0) -= 4.0) /= 2.0);
-  EXPECT_EQ(Values(c), (D{-0.5, -3.5}));
-  M e(2, 3);
   e.SetE();
-  EXPECT_EQ(Values(e), (D{1, 0, 0, 0, 1, 0}));
+  const M results[] = {s + 1.0, s - 1.0, s * 3.0, s / 4.0, -s, s + s - Rows({{3, 3}}), c, e};
+  const D want[] = {{2, -1}, {0, -3},  {3, -6},      {0.25, -0.5},
+                    {-1, 2}, {-1, -7}, {-0.5, -3.5}, {1, 0, 0, 0, 1, 0}};
+  for (int k = 0; k < 8; ++k) EXPECT_EQ(Values(results[k]), want[k]) << k;
 
-  EXPECT_EQ(BadParametersText([&] { (void)(a + b); }), kPrefix + "different size.");
-  EXPECT_EQ(BadParametersText([&] { (void)(a - b); }), kPrefix + "different size.");
-  EXPECT_EQ(BadParametersText([&] { (void)(a * a); }), kPrefix + "different size.");
-  EXPECT_EQ(BadParametersText([&] { (void)(a * Of<Col>({1})); }), kPrefix + "different length.");
-  EXPECT_EQ(BadParametersText([&] { (void)(Of<zrLineVector<double>>({1}) * a); }),
-            kPrefix + "different length.");
-  EXPECT_EQ(BadParametersText([&] {
-              (void)(Of<zrLineVector<double>>({1}) * Of<Col>({3, 4}));
-            }),
-            kPrefix + "different length.");
+  const zrLineVector<double> one = Of<zrLineVector<double>>({1});
+  const std::string size = "different size.", len = "different length.";
+  const std::pair<std::function<void()>, std::string> errors[] = {
+      {[&] { (void)(a + b); }, size},  {[&] { (void)(a - b); }, size},
+      {[&] { (void)(a * a); }, size},  {[&] { (void)(a * Of<Col>({1})); }, len},
+      {[&] { (void)(one * a); }, len}, {[&] { (void)(one * Of<Col>({3, 4})); }, len}};
+  for (const auto& [f, text] : errors) ExpectRefused(text, f);
 }
 
 TEST(Matrix, DeterminantKeepsTheEliminationRules) {
@@ -152,8 +118,7 @@ TEST(Matrix, DeterminantKeepsTheEliminationRules) {
   M m = Rows({{1, 0, 4}, {2, 0, 0}, {3, 1, 3}});
   EXPECT_EQ(m.Det(), -12);
   EXPECT_EQ(m(2, 2), 3);  // Det works on a copy
-  EXPECT_EQ(BadParametersText([] { (void)M(2, 3).Det(); }),
-            kPrefix + "Det: Matrix must be square.");
+  ExpectRefused("Det: Matrix must be square.", [] { (void)M(2, 3).Det(); });
   EXPECT_EQ(M().Det(), 1);
 }
 
@@ -161,27 +126,26 @@ TEST(Matrix, GaussSolverAndInverse) {
   M a = Rows({{1, 2}, {3, 4}});
   Col b = Of<Col>({5, 6}), x;
   a.SolveEquationGaussMethod(x, b);
-  EXPECT_DOUBLE_EQ(x[0], -4);
-  EXPECT_DOUBLE_EQ(x[1], 4.5);
+  EXPECT_TRUE(std::fabs(x[0] + 4) < 1e-14 && std::fabs(x[1] - 4.5) < 1e-14);
   // The rows stay in their places: row 1 was the pivot, normalised by 1/3 past column 0.
   EXPECT_EQ(Values(a), (D{1, 1.0 / 1 * 2 - 4 * (1.0 / 3), 3, 4 * (1.0 / 3)}));
   EXPECT_EQ(b[1], 6 * (1.0 / 3));
 
   Col keep = Of<Col>({9, 9});
-  EXPECT_EQ(SolveText(Rows({{1, 2}, {2, 4}}), Of<Col>({1, 2}), keep), kNotUnique);
-  EXPECT_EQ(keep[0], 9);
+  EXPECT_TRUE(SolveText(Rows({{1, 2}, {2, 4}}), Of<Col>({1, 2}), keep) == kNotUnique &&
+              keep[0] == 9);
   EXPECT_EQ(SolveText(Rows({{1, 0}, {0, 1}, {1, 1}}), Of<Col>({1, 2, 3}), x), kInconsistent);
   // A zero pivot before the last column does not let a tall system through to a back
   // substitution that would read past its rows.
   EXPECT_EQ(SolveText(Rows({{1, 0}, {2, 0}, {3, 0}}), Of<Col>({1, 2, 3}), x), kInconsistent);
-  EXPECT_EQ(SolveText(Rows({{1, 0}}), Of<Col>({1, 2}), x), kPrefix + "different size.");
+  EXPECT_EQ(SolveText(Rows({{1, 0}}), Of<Col>({1, 2}), x), zr_test::kInvalid + "different size.");
 
   M c = Rows({{4, 0}, {2, 3}});
   // The second pivot is 0.5 * 3 - 0 = 1.5.
   EXPECT_EQ(Values(c.Inverse()), (D{0.25, 0, -0.25 * (1 / 1.5), 0.5 * (1 / 1.5)}));
   EXPECT_EQ(Values(c), (D{4, 0, 2, 3}));
   EXPECT_EQ(BadParametersText([] { (void)Rows({{1, 2}, {2, 4}}).Inverse(); }), kNotUnique);
-  EXPECT_EQ(BadParametersText([] { (void)M(2, 3).Inverse(); }), kPrefix + "Matrix must be square.");
+  ExpectRefused("Matrix must be square.", [] { (void)M(2, 3).Inverse(); });
 }
 
 TEST(Matrix, ValueElementTypes) {
@@ -190,18 +154,6 @@ TEST(Matrix, ValueElementTypes) {
   Rows<C>({{C(0, 1), C(0)}, {C(0), C(1)}}).SolveEquationGaussMethod(zx, zb);
   EXPECT_TRUE(zx[0] == C(0, -1) && zx[1] == C(2));
   EXPECT_EQ(Rows<C>({{C(0, 1), C(0)}, {C(0), C(0, 1)}}).Det(), C(-1, 0));
-
-  // Three coordinate systems whose pivots agree solve as three double systems.
-  const double a[4][3] = {{1, 2, 1}, {2, 1, 1}, {3, 5, 2}, {4, 3, 3}};
-  const double rhs[2][3] = {{5, 1, 2}, {6, 2, 3}};
-  const auto vec = [](const double* c) { return V3(c[0], c[1], c[2]); };
-  zrColumnVector<V3> pb = Of<zrColumnVector<V3>>({vec(rhs[0]), vec(rhs[1])}), px;
-  Rows<V3>({{vec(a[0]), vec(a[1])}, {vec(a[2]), vec(a[3])}}).SolveEquationGaussMethod(px, pb);
-  for (int c = 0; c < 3; ++c) {
-    Col db = Of<Col>({rhs[0][c], rhs[1][c]}), dx;
-    Rows({{a[0][c], a[1][c]}, {a[2][c], a[3][c]}}).SolveEquationGaussMethod(dx, db);
-    EXPECT_TRUE(px[0][c] == dx[0] && px[1][c] == dx[1]) << c;
-  }
 }
 
 // Pivots whose coordinates disagree: a candidate must beat the running maximum in all
@@ -224,30 +176,17 @@ TEST(Matrix, Vec3PivotsCoordinateByCoordinate) {
             kNotUnique);
 }
 
-TEST(Matrix, FlatFormAndArrays) {
+TEST(Matrix, FlatFormOfATransposedView) {
   M m = Rows({{1, 2}, {3, 4}, {5, 6}});
   M t = m.T();
   std::vector<unsigned char> buf(static_cast<std::size_t>(t.MemSize()));
   EXPECT_EQ(t.ToMem(buf.data()), t.MemSize());
+  const int sizes[] = {2, 3};  // lines, then line length; then the elements by lines
   const double rows[] = {1, 3, 5, 2, 4, 6};
-  std::vector<unsigned char> expected = {2, 0, 0, 0, 3, 0, 0, 0};
-  expected.resize(8 + sizeof rows);
-  std::memcpy(expected.data() + 8, rows, sizeof rows);
-  EXPECT_EQ(buf, expected);
+  EXPECT_TRUE(std::memcmp(buf.data(), sizes, 8) == 0 && std::memcmp(&buf[8], rows, 48) == 0);
   M back;
   EXPECT_EQ(back.FromMem(buf.data()), t.MemSize());
   EXPECT_TRUE(Values(back) == Values(t) && back.TabInColumn() == 3);
-
-  zrSimpleArray<M> arr(2);
-  arr[0].Set(m, 1, 0, 2, 2);  // a view of m
-  arr[1] = Rows({{9}});
-  arr.InverseOrder();  // handles exchanged: m is not written
-  EXPECT_EQ(Values(m), (D{1, 2, 3, 4, 5, 6}));
-  arr[1](0, 0) = 30;
-  EXPECT_EQ(m(1, 0), 30);
-  zrSimpleArray<M> copy(arr);
-  copy[1](0, 1) = 40;
-  EXPECT_EQ(m(1, 1), 4);
 }
 
 TEST(Matrix, AssignmentFromAnOverlappingViewReadsTheSourceFirst) {
@@ -259,59 +198,49 @@ TEST(Matrix, AssignmentFromAnOverlappingViewReadsTheSourceFirst) {
 
   // A non-square one changes size, so it takes fresh storage; its old sharers keep the
   // old values.
-  M wide = Rows({{1, 2, 3}, {4, 5, 6}});
-  M old(wide);
+  M wide = Rows({{1, 2, 3}, {4, 5, 6}}), old(wide);
   wide = wide.T();
-  EXPECT_EQ(wide.ColumnLen() * 10 + wide.LineLen(), 32);
-  EXPECT_EQ(Values(wide), (D{1, 4, 2, 5, 3, 6}));
+  EXPECT_TRUE(wide.ColumnLen() == 3 && Values(wide) == (D{1, 4, 2, 5, 3, 6}) &&
+              wide.GetNumOfRef() == 0);
   EXPECT_EQ(Values(old), (D{1, 2, 3, 4, 5, 6}));
-  EXPECT_EQ(wide.GetNumOfRef(), 0);
 
-  // Windows of one block shifted down and right, and back.
-  M big(4, 4);
+  // Windows of one block shifted down and right.
+  M big(4, 4), to, from;
   for (int i = 0; i < 16; ++i) big.GetPointer()[i] = i;
-  M to, from;
   to.Set(big, 1, 1, 3, 3);
   from.Set(big, 0, 0, 3, 3);
   to = from;
   EXPECT_EQ(Values(big), (D{0, 1, 2, 3, 4, 0, 1, 2, 8, 4, 5, 6, 12, 8, 9, 10}));
-  from = to;
-  EXPECT_EQ(Values(big), (D{0, 1, 2, 3, 4, 5, 6, 2, 8, 9, 10, 6, 12, 8, 9, 10}));
 
   // The in-place sum with a transposed view of itself.
   M s = Rows({{1, 2}, {3, 4}});
   s += s.T();
   EXPECT_EQ(Values(s), (D{2, 5, 5, 8}));
-  s -= s.T();
-  EXPECT_EQ(Values(s), (D{0, 0, 0, 0}));
 }
 
 TEST(Matrix, ViewsBeyondThirtyTwoBitExtentsAreRefused) {
   // Each view spans few real elements; the steps are what would overflow.
   double cell[4] = {1, 2, 3, 4};
-  const int big = 1 << 30;
-  M m;
+  const int big = 1 << 30, third = INT_MAX / 3;
+  M m, w;
   m.SetDirectly(cell, 1, 1, big, big);  // one element: runs of 2^30
-  const std::string set = kPrefix + "zrMatrix<T>::Set : out of range.";
-  const std::string direct = kPrefix + "zrMatrix<T>::SetDirectly : out of range.";
-  M w;
-  EXPECT_EQ(BadParametersText([&] { w.Set(m, 2, 0, 1, 1); }), set);   // offset 2^31
-  EXPECT_EQ(BadParametersText([&] { w.Set(m, 1, 1, 1, 1); }), set);   // offset 2^31
-  EXPECT_EQ(BadParametersText([&] { w.Set(m, 0, 0, -1, 1); }), set);  // negative size
-  EXPECT_EQ(BadParametersText([&] { w.Set(m, 0, 0, 2, 1); }), set);   // rows * step 2^31
-  EXPECT_EQ(BadParametersText([&] { w.SetDirectly(cell, 1, 2, big, 1); }), direct);
-  EXPECT_EQ(BadParametersText([&] { w.SetDirectly(cell, 2, 1, 1, -big - big); }), direct);
-  // Runs that each fit but add up past 32 bits.
-  const int third = INT_MAX / 3;
-  EXPECT_EQ(BadParametersText([&] { w.SetDirectly(cell, 3, 3, third, third); }), direct);
+  // Sub-matrices at offsets of 2^31, of a negative size, of rows * step 2^31.
+  const int sets[][4] = {{2, 0, 1, 1}, {1, 1, 1, 1}, {0, 0, -1, 1}, {0, 0, 2, 1}};
+  for (const auto& s : sets)
+    ExpectRefused("zrMatrix<T>::Set : out of range.", [&] { w.Set(m, s[0], s[1], s[2], s[3]); });
+  // Runs past 32 bits either way, and runs that each fit but add up past 32 bits.
+  const int directs[][4] = {{1, 2, big, 1}, {2, 1, 1, -big - big}, {3, 3, third, third}};
+  for (const auto& s : directs)
+    ExpectRefused("zrMatrix<T>::SetDirectly : out of range.",
+                  [&] { w.SetDirectly(cell, s[0], s[1], s[2], s[3]); });
   EXPECT_EQ(w.GetPointer(), nullptr);
 
   // Within 32 bits the views are made, and their row and column vectors too.
   w.SetDirectly(cell, 2, 2, big / 2, big / 2);
-  EXPECT_EQ(w.PositiveLength(), big + 1);
   zrLineVector<double> row;
   w.T().GetLine(row, 0);
-  EXPECT_TRUE(row.Len() == 2 && row.PositiveLength() == big && row[0] == 1);
+  EXPECT_TRUE(w.PositiveLength() == big + 1 && row.Len() == 2 && row.PositiveLength() == big &&
+              row[0] == 1);
   w.SetDirectly(cell + 3, 2, 2, -big / 2, -big / 2);
   EXPECT_EQ(w.NegativeLength(), -big);
 }
@@ -319,7 +248,6 @@ TEST(Matrix, ViewsBeyondThirtyTwoBitExtentsAreRefused) {
 // A sub-matrix of a matrix with a block lies inside that block, transposed or not; one row
 // or column past either end is refused and leaves the target as it was.
 TEST(Matrix, SubMatricesStayInsideTheirBlock) {
-  const std::string set = kPrefix + "zrMatrix<T>::Set : out of range.";
   M m(3, 4), inner, w;
   for (int i = 0; i < 12; ++i) m.GetPointer()[i] = i;
   inner.Set(m, 1, 1, 1, 2);  // the block reaches beyond it on every side
@@ -330,19 +258,12 @@ TEST(Matrix, SubMatricesStayInsideTheirBlock) {
     bool inside;
   };
   for (const Window& c : {Window{&inner, -1, -1, 3, 4, true}, Window{&inner, -2, -1, 1, 4, false},
-                          Window{&inner, -1, -1, 3, 5, false}, Window{&inner, 1, 2, 1, 1, true},
-                          Window{&inner, 2, 2, 1, 1, false}, Window{&inner, 1, 3, 0, 0, true},
-                          Window{&t, 0, 0, 4, 3, true}, Window{&t, 1, 0, 4, 3, false},
-                          Window{&t, 0, 1, 4, 3, false}}) {
-    w = M(1, 1);
-    w(0, 0) = 7;
-    if (c.inside) {
-      w.Set(*c.src, c.row, c.col, c.rows, c.cols);
-      EXPECT_TRUE(w.GetMem() == m.GetMem() && w.LineLen() == c.cols) << c.row << " " << c.col;
-    } else {
-      EXPECT_EQ(BadParametersText([&] { w.Set(*c.src, c.row, c.col, c.rows, c.cols); }), set)
-          << c.row << " " << c.col << " " << c.rows << " " << c.cols;
-      EXPECT_EQ(w(0, 0), 7);
-    }
+                          Window{&inner, -1, -1, 3, 5, false}, Window{&inner, 1, 3, 0, 0, true},
+                          Window{&t, 0, 0, 4, 3, true}, Window{&t, 0, 1, 4, 3, false}}) {
+    SCOPED_TRACE(testing::Message() << c.row << " " << c.col << " " << c.rows << " " << c.cols);
+    w = Rows({{7}});
+    const auto set = [&] { w.Set(*c.src, c.row, c.col, c.rows, c.cols); };
+    c.inside ? set() : ExpectRefused("zrMatrix<T>::Set : out of range.", set);
+    EXPECT_TRUE(c.inside ? w.GetMem() == m.GetMem() && w.LineLen() == c.cols : w(0, 0) == 7);
   }
 }
