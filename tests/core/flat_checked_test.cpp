@@ -40,14 +40,15 @@ Bytes Counts(std::initializer_list<std::int32_t> counts, std::size_t filler = 0)
 
 // Reads through the checked reader into target; on refusal checks the text, that target
 // kept its form and that nothing was allocated, and returns -1.
+// size, if given, is claimed in place of the form's own.
 template <class T>
-int ReadChecked(const unsigned char* buffer, std::size_t size, T& target) {
+int ReadChecked(const Bytes& form, T&& target, std::size_t size = 0) {
   const Bytes was = Flat(target);
 #if defined(ZR_FAULT_INJECTION)
   const long live = zr::testing::LiveAllocations();
 #endif
   try {
-    return zrFromMem(buffer, size, target);
+    return zrFromMem(form.data(), size ? size : form.size(), target);
   } catch (const BadParameters& e) {
     EXPECT_STREQ(e.GetMessageText(),
                  "Invalid parameters : zrFromMem: the buffer does not hold a valid flat form");
@@ -57,10 +58,6 @@ int ReadChecked(const unsigned char* buffer, std::size_t size, T& target) {
   EXPECT_EQ(zr::testing::LiveAllocations(), live) << "a refused read allocated";
 #endif
   return -1;
-}
-template <class T>
-int ReadChecked(const Bytes& form, T& target) {
-  return ReadChecked(form.data(), form.size(), target);
 }
 
 // The whole form reads back; every shorter prefix, in a buffer of exactly that size (a
@@ -78,17 +75,12 @@ void CheckWholeAndCut(const T& sample, const T& before) {
   }
 }
 
-template <class T>
-T Filled(T object, typename T::value_type value = {}) {
-  object.Fill(value);
+template <class T, class... V>
+T Filled(T object, V... value) {
+  object.Fill({value...});
   return object;
 }
 zrArray<int> Sizes(std::initializer_list<int> sizes) { return Of<zrArray<int>>(sizes); }
-M3 Band(int n, double v = 0) {
-  M3 d(n);
-  for (auto* part : {&d.Up(), &d.Diag(), &d.Down()}) part->Fill(v);
-  return d;
-}
 
 // Every form is refused into target.
 template <class T>
@@ -106,10 +98,10 @@ TEST(FlatChecked, EveryWalkReadsWholeFormsAndRefusesShortOnes) {
   const zrMatrix<double> m = Filled(zrMatrix<double>(2, 3), 2.5);
   CheckWholeAndCut(m, Filled(zrMatrix<double>(1, 1)));
   CheckWholeAndCut(zrMatrix<double>(), m);
-  M3 d = Band(3, 1);
+  M3 d = Filled(M3(3), 1.0);
   d.Diag().Fill(4);
-  CheckWholeAndCut(d, Band(2));
-  CheckWholeAndCut(Band(1), M3());
+  CheckWholeAndCut(d, Filled(M3(2)));
+  CheckWholeAndCut(Filled(M3(1)), M3());
 
   CheckWholeAndCut(Filled(zrArrayND<float>(Sizes({2, 3})), 1.5f),
                    Filled(zrArrayND<float>(Sizes({1}))));
@@ -120,8 +112,8 @@ TEST(FlatChecked, LyingCountsAreRefused) {
   Refused(Of<zrArray<double>>({1, 4}), {Counts({-1}, 16), Counts({3}, 16), Counts({1 << 28}, 16)});
   Refused(Filled(zrMatrix<V3>(1, 1)), {Counts({-1, 2}, 48), Counts({2, -1}, 48),
                                        Counts({1 << 16, 1 << 16}, 48), Counts({2, 2}, 95)});
-  Refused(Band(2), {Counts({1, 3, 1}, 40), Counts({0, 2, 1}, 24), Counts({2, 2, 2}, 48),
-                    Counts({INT_MAX, 1, 0})});
+  Refused(Filled(M3(2)), {Counts({1, 3, 1}, 40), Counts({0, 2, 1}, 24), Counts({2, 2, 2}, 48),
+                          Counts({INT_MAX, 1, 0})});
   Refused(Filled(zrArrayND<unsigned short>(Sizes({2}))),
           {Counts({-1}), Counts({INT_MAX, 1}), Counts({1, -2}), Counts({2, 1 << 16, 1 << 16}),
            // the product passes INT_MAX before the zero that would end it
@@ -133,17 +125,12 @@ TEST(FlatChecked, LyingCountsAreRefused) {
   // buffer: a vector length below 1 is the empty vector's form; a zero matrix size needs
   // no elements, whatever the other size; a band with Up of length -1 (read as 0), Diag
   // of one element (two zero words), Down of 0; no sizes for an array without dimensions.
-  zrVector<V3> vector;
-  zrMatrix<V3> matrix;
-  M3 band;
-  zrArrayND<unsigned short> nd;
-  EXPECT_EQ(std::vector<int>(
-                {ReadChecked(Counts({-3}, 8), vector), ReadChecked(Counts({0, INT_MAX}, 8), matrix),
-                 ReadChecked(Counts({-1, 1, 0, 0, 0}, 8), band), ReadChecked(Counts({0}, 8), nd)}),
+  EXPECT_EQ(std::vector<int>({ReadChecked(Counts({-3}, 8), zrVector<V3>()),
+                              ReadChecked(Counts({0, INT_MAX}, 8), zrMatrix<V3>()),
+                              ReadChecked(Counts({-1, 1, 0, 0, 0}, 8), M3()),
+                              ReadChecked(Counts({0}, 8), zrArrayND<unsigned short>())}),
             std::vector<int>({4, 8, 20, 4}));
 
   // A form over two gigabytes: only the counts are read, the claimed size is never touched.
-  const std::size_t claimed = std::size_t{3} << 30;
-  zrArray<double> array;
-  EXPECT_EQ(ReadChecked(Counts({300 * 1000 * 1000}).data(), claimed, array), -1);
+  EXPECT_EQ(ReadChecked(Counts({300 * 1000 * 1000}), zrArray<double>(), std::size_t{3} << 30), -1);
 }

@@ -41,7 +41,6 @@ TEST(UsingNew, DeleteLetsOneHolderGoAndFreesTheCompleteObject) {
   obj->IncreaseRefCount();
   obj->IncreaseRefCount();
   EXPECT_EQ(zrUsingNew::Delete(obj), 0);
-  EXPECT_EQ(obj->GetRefCount(), 1);
   EXPECT_EQ(zrUsingNew::Delete(obj), 1);
   // Never held: the release takes the count below 1 and deletes.
   EXPECT_EQ(zrUsingNew::Delete(new Logged('b')), 1);
@@ -64,7 +63,6 @@ TEST(AutoDelPointer, HoldersShareAndTheLastDeletes) {
       const zrAutoDelPointer<Logged> second(first);
       zrAutoDelPointer<Logged> third;
       third = first;
-      EXPECT_EQ(third->GetRefCount(), 3);
     }
     const zrAutoDelPointer<Logged>& alias = first;
     first = alias;  // a sole holder assigned to itself keeps its object
