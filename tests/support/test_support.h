@@ -14,14 +14,10 @@
 
 // EXPECT_EQ compares the value types with their exact operator==; these make its
 // failures readable.
-inline void PrintTo(const zrComplex& z, std::ostream* os) {
-  *os << '(' << z.Re() << ", " << z.Im() << ')';
-}
-inline void PrintTo(const zrVec2& v, std::ostream* os) {
-  *os << '(' << v.X() << ", " << v.Y() << ')';
-}
+inline void PrintTo(const zrComplex& z, std::ostream* os) { *os << z.Re() << ", " << z.Im(); }
+inline void PrintTo(const zrVec2& v, std::ostream* os) { *os << v.X() << ", " << v.Y(); }
 inline void PrintTo(const zrTVec3<double>& v, std::ostream* os) {
-  *os << '(' << v.X() << ", " << v.Y() << ", " << v.Z() << ')';
+  *os << v.X() << ", " << v.Y() << ", " << v.Z();
 }
 
 namespace zr_test {

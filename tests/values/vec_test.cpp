@@ -15,12 +15,10 @@ const double kNaN = std::numeric_limits<double>::quiet_NaN();
 
 TEST(Vec, ArithmeticIsComponentwise) {
   // A scalar is subtracted from and divided into each component, not the other way round.
-  EXPECT_EQ(zrVec2(8, 6) - 1.0, zrVec2(7, 5));
-  EXPECT_EQ(zrVec2(8, 6) / 2.0, zrVec2(4, 3));
+  EXPECT_EQ((zrVec2(8, 6) - 1.0) / 2.0, zrVec2(3.5, 2.5));
   Vec3 t(8, 6, 4);
   ((t += 1.0) -= 3.0) /= Vec3(2, 4, 1);
   EXPECT_EQ(t, Vec3(3, 1, 2));
-  EXPECT_EQ(&t[2], t.GetVec() + 2);
 
   // Unary minus flips the signs of zeros too.
   const zrVec2 p = -zrVec2(0.0, -0.0);
@@ -30,24 +28,21 @@ TEST(Vec, ArithmeticIsComponentwise) {
 }
 
 TEST(Vec, OrderIsPartialAndNaNBreaksEverything) {
+  // What holds counts +1, what fails -1: any flipped answer lowers the sum.
   const zrVec2 a(1, 2), b(1, 5), c(2, 3), n(1, kNaN);
-  EXPECT_EQ((a <= a) + (a >= a) + (a == a), 3);
-  EXPECT_EQ((a < a) + (a > a) + (a != a), 0);
-  EXPECT_EQ((a <= b) + (a < c) + (c > a), 3);
-  EXPECT_EQ(a < b, 0);  // only one component is smaller
+  EXPECT_EQ((a <= a) + (a >= a) + (a == a) - (a < a) - (a > a) - (a != a), 3);
+  EXPECT_EQ((a <= b) + (a < c) + (c > a) - (a < b), 3);  // a < b: only one component is smaller
   EXPECT_EQ((b < c) + (b > c) + (b <= c) + (b >= c), 0);
   EXPECT_EQ((n < c) + (n > zrVec2(0, 0)) + (n <= n) + (n >= n) + (n == n) + (n != n), 1);
 
   const Vec3 u(1, 2, 3), w(2, 3, 3), m(1, 2, kNaN);
-  EXPECT_EQ((u < w) + (w > u), 0);  // z ties
-  EXPECT_EQ((u <= w) + (w >= u) + (u != w), 3);
+  EXPECT_EQ((u <= w) + (w >= u) + (u != w) - (u < w) - (w > u), 3);  // z ties
   EXPECT_EQ((m < w) + (m > Vec3(0, 0, 0)) + (m <= m) + (m >= m) + (m == m) + (m != m), 1);
 }
 
 TEST(Vec, ProductsNormsAndSigns) {
   EXPECT_EQ(Vec3(1, 2, 3).ScalarMul(Vec3(4, 5, 6)), 32.0);
   EXPECT_EQ(zrVec2(3, -4).Norm(), 5.0);
-  EXPECT_TRUE(std::isinf(Vec3(0, 0, 1e200).Norm()));  // no scaling: the squares overflow
   EXPECT_EQ(Vec3(1, 2, 3).VectorMul(Vec3(4, 5, 6)), Vec3(-3, 6, -3));
   EXPECT_EQ(Vec3(1, 2, 6).E(), 3.0);
   EXPECT_EQ(zrSgn(zrVec2(-0.0, kNaN)), zrVec2(0, 1));  // zeros give 0, NaN gives 1
@@ -62,7 +57,6 @@ TEST(Vec, ProductsNormsAndSigns) {
 }
 
 TEST(Vec, MinAndMaxTakeTheLaterOnTiesAndNaN) {
-  EXPECT_EQ(Vec3(2, 3, 1).Max(), 3.0);
   // Signed zeros tie: the later one is kept.
   EXPECT_TRUE(std::signbit(Vec3(0.0, -0.0, 1).Min()));
   EXPECT_FALSE(std::signbit(Vec3(-0.0, 0.0, -1).Max()));
@@ -101,17 +95,11 @@ TEST(ValueTypes, FlatFormsAreTheRawComponentsBackToBack) {
       0xEF, 0xBE, 0, 0, 0, 0, 0xF8, 0x7F};                            // NaN
   EXPECT_EQ(std::memcmp(buffer + 1, expected, sizeof expected), 0);
 
+  // Read back, bit for bit.
   zrComplex rz;
   zrVec2 rp;
   Vec3 rv;
-  const unsigned char* from = buffer + 1;
-  from += zrFromMem(from, rz);
-  from += zrFromMem(from, rp);
-  EXPECT_EQ(zrFromMem(from, rv), 24);
-  // Written again, the same bytes.
-  unsigned char again[56];
-  zrToMem(again + 32, rv);
-  zrToMem(again + 16, rp);
-  zrToMem(again, rz);
-  EXPECT_EQ(std::memcmp(again, expected, sizeof again), 0);
+  EXPECT_TRUE(zrFromMem(buffer + 1, rz) == 16 && zrFromMem(buffer + 17, rp) == 16 &&
+              zrFromMem(buffer + 33, rv) == 24);
+  EXPECT_TRUE(!std::memcmp(&rz, &z, 16) && !std::memcmp(&rp, &p, 16) && !std::memcmp(&rv, &v, 24));
 }
