@@ -17,10 +17,15 @@
 
 namespace zr::detail {
 
-// Copies n elements front to back (used where to never lies past from in a block).
+// Copies n elements front to back (used where to never lies past from in a block, so
+// that the result is that of reading all of from first: memmove's, for plain values).
 template <class T>
 void CopyForward(T* to, const T* from, int n) {
-  for (int i = 0; i < n; ++i) to[i] = from[i];
+  if constexpr (std::is_trivially_copyable_v<T>) {
+    if (n > 0) std::memmove(static_cast<void*>(to), from, static_cast<std::size_t>(n) * sizeof(T));
+  } else {
+    for (int i = 0; i < n; ++i) to[i] = from[i];
+  }
 }
 
 // Whether `to` lies inside (from, from + n): a front-to-back walk over n elements from
