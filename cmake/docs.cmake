@@ -26,8 +26,8 @@ set(DOXYGEN_FILTER_PATTERNS
     "*.h=${Python3_EXECUTABLE} ${CMAKE_CURRENT_LIST_DIR}/doxygen_filter.py")
 set(DOXYGEN_MACRO_EXPANSION YES)
 set(DOXYGEN_EXPAND_ONLY_PREDEF YES)
-# The identity macro ends in public:, which is what a reader of the class sees of it.
-set(DOXYGEN_PREDEFINED ZR_API= "ZR_TYPE_IDENTITY=public:")
+# The identity macro ends in private:, the access a class body starts with.
+set(DOXYGEN_PREDEFINED ZR_API= "ZR_TYPE_IDENTITY=private:")
 set(DOXYGEN_EXCLUDE_SYMBOLS zr::detail detail)
 # The README is the main page; the examples are the programs of examples/ and the
 # guide's snippets, which docs/examples.md shows from their test.
