@@ -57,6 +57,13 @@ std::string MaxPath(zrSimpleGraph& g, zrSimpleGraphNodeHead* start = nullptr) {
 
 }  // namespace
 
+TEST(SimpleGraph, GetBranchFindsTheBranchBetweenTwoNodes) {
+  Graph gr("ab ac");
+  Node *a = gr.node['a'], *b = gr.node['b'], *c = gr.node['c'];
+  EXPECT_TRUE(a->GetBranch(b) == gr.branch["ab"] && c->GetBranch(a) == gr.branch["ac"]);
+  EXPECT_EQ(b->GetBranch(c), nullptr);
+}
+
 TEST(SimpleGraph, LongestShortestPath) {
   EXPECT_EQ(zrSimpleGraph().GetMaxPath(nullptr), 0);
   // From a the far end of a path is c; from c it is a. The walk of the star from a reaches

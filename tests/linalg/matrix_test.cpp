@@ -40,6 +40,9 @@ TEST(Matrix, ViewsShareAndAssignmentCopiesValues) {
   column[2] = 30;
   EXPECT_TRUE(Values(m) == (D{1, 2, 30, 4, 50, 60}) && m.GetNumOfRef() == 4);
 
+  M resized(2, 2);
+  resized.Init(2, 3);  // one dimension differs: fresh storage of the new size
+  EXPECT_TRUE(resized.ColumnLen() == 2 && resized.LineLen() == 3);
   const M sharer(m);
   sub = Rows({{7, 8}, {9, 10}});  // equal size: written into m, seen by every sharer
   EXPECT_EQ(Values(sharer), (D{1, 7, 8, 4, 9, 10}));

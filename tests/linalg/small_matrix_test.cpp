@@ -65,6 +65,7 @@ TEST(Matrix3x3, ArithmeticCopyInverseAndTurns) {
   const zrTVec3<double> v(1, 2, 3);
   EXPECT_EQ(a * v, zrTVec3<double>(14, 32, 53));
   EXPECT_EQ(v * a, zrTVec3<double>(30, 36, 45));
+  EXPECT_EQ(a.Det(), -3.0);
   ExpectElements(MulCL(v, zrTVec3<double>(1, 10, 100)), {1, 10, 100, 2, 20, 200, 3, 30, 300});
   ExpectElements(MulCL(zrVec2(2, 3), zrVec2(4, 5)), {8, 10, 12, 15});
   ExpectElements(a * a.Inverse(), {1, 0, 0, 0, 1, 0, 0, 0, 1}, 1e-14);
