@@ -76,13 +76,15 @@ TEST(SimpleContour2D, IsIntersectAndIsInsidePoint) {
 
   // On a horizontal edge, level with one and beside it; the ray through the vertex (2, 1)
   // of the triangle counts only the edge whose lower end lies there.
-  const zrSimpleContour2D sq = Square(), tri = Make({{0, 0}, {2, 1}, {0, 2}});
+  const zrSimpleContour2D sq = Square(), tri = Make({{0, 0}, {2, 1}, {0, 2}}),
+                          high = Make({{0, 1}, {4, 1}, {0, 5}});  // slant crossed off its ends
   const struct {
     const zrSimpleContour2D& c;
     zrVec2 p;
     int inside;
-  } cases[] = {{sq, {0.5, 0.5}, 1}, {sq, {1, 0.5}, 0}, {sq, {0.5, 1}, 0}, {sq, {2, 1}, -1},
-               {tri, {1, 1}, 1},    {tri, {3, 1}, -1}, {tri, {2, 1}, 0},  {tri, {1, 0.5}, 0}};
+  } cases[] = {{sq, {0.5, 0.5}, 1}, {sq, {1, 0.5}, 0},   {sq, {0.5, 1}, 0}, {sq, {2, 1}, -1},
+               {tri, {1, 1}, 1},    {tri, {3, 1}, -1},   {tri, {2, 1}, 0},  {tri, {1, 0.5}, 0},
+               {high, {1.9, 3}, 1}, {high, {2.1, 3}, -1}};
   for (const auto& c : cases)
     EXPECT_EQ(c.c.IsInsidePoint(c.p), c.inside) << c.p.X() << " " << c.p.Y();
 }
