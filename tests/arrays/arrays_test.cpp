@@ -47,7 +47,6 @@ using Grid = zrSimpleArray2D<double>;
 using zr_test::Of;
 using zr_test::Values;
 V Values(const zrSimpleArray<Counted>& a) { return {a.begin(), a.end()}; }
-using C = zrComplex;
 using D = zrArray<double>;
 using I = zrArray<int>;
 
@@ -57,25 +56,19 @@ Ints Of(std::initializer_list<int> values) { return zr_test::Of<Ints>(values); }
 int BlockCount(const zrPArray& a) { return zr::detail::BlockCount(a.GetMem()); }
 // The elements and the length of the block behind them.
 std::pair<V, int> Held(const Ints& a) { return {Values(a), BlockCount(a)}; }
-std::pair<V, int> Held(V values, int block) { return {std::move(values), block}; }
 int Asc(const int& a, const int& b) { return a < b ? -1 : (a > b ? 1 : 0); }
 
 // Who sees a write (what, from, n, edit, at, seen): w starts as a.Mid(from, n) of
 // a = {0, 1, 2, 3, 4}, edit(w, a) is
 // applied, and after w[0] = 99, a[at] shows it exactly when the two share the element.
-// One case per rule: a window, a kept length and a rotation share; a copy, Copy and
-// every length change (growth and removal alike) take a block of their own.
+// One case per rule: a window, a kept length and a rotation share; Copy (a copy moved in)
+// and every length change (growth and removal alike) take a block of their own.
 using Sharing = std::tuple<const char*, int, int, void (*)(Ints& w, Ints& a), int, bool>;
-void Copied(Ints& w, Ints&) {
-  Ints c(w);
-  w.Move(c);
-}
 Ints Two() { return Of({7, 8}); }
 const Sharing kSharing[] = {
     {"Mid", 1, 2, [](Ints&, Ints&) {}, 1, true},
     {"SetSubWindow", 0, 1, [](Ints& w, Ints& a) { w.SetSubWindow(a, 2, 3); }, 2, true},
     {"SetDirectly", 0, 1, [](Ints& w, Ints& a) { w.SetDirectly(&a[1], 3, a); }, 1, true},
-    {"copy", 0, 5, Copied, 0, false},
     {"Copy", 1, 2, [](Ints& w, Ints&) { w.Copy(); }, 1, false},
     {"ReSet, same length", 0, 3, [](Ints& w, Ints&) { w.ReSet(3); }, 0, true},
     {"ReSet", 0, 3, [](Ints& w, Ints&) { w.ReSet(4); }, 0, false},
@@ -136,21 +129,20 @@ TEST(PArray, TheBaseSwitchCountsAndKeepsTheOldBlockOnRefusal) {
   zrDeleteWithRef(block);  // the count was left at 0
 }
 
-TEST(PArray, BlockRangeAndBoundaryChecks) {
+TEST(PArray, RangeAndBoundaryChecks) {
   double* block = nullptr;
   zrNewWithRef(block, 12);  // 96 bytes
   // Origin in bytes, length, extent below the origin, then CheckPointer() and
   // CheckPointer(p, n), which also wants the origin on the element grid.
   const int cases[][5] = {
-      {40, 10, 0, 0, 0},  // 10 elements from element 5 run 24 bytes past the end
-      {40, 7, 0, 1, 1},   // up to the last byte
-      {4, 2, 0, 1, 0},    // off the element grid
-      {16, 3, 2, 1, 1},   // the extent below the origin stays inside
-      {16, 3, 3, 0, 0},   // ... or starts before the block
-      {16, 3, -2, 1, 1},  // the same extents as the arrays report them, zero or below
-      {16, 3, -3, 0, 0},        {0, 1, -1, 0, 0},  // one element before the block
-      {8, 1 << 29, 0, 0, 0},                       // 2^32 bytes: no longer wrapped to a few
-      {88, 1, -(1 << 29), 0, 0}                    // ... nor below the origin
+      {40, 10, 0, 0, 0},         // 10 elements from element 5 run 24 bytes past the end
+      {40, 7, 0, 1, 1},          // up to the last byte
+      {4, 2, 0, 1, 0},           // off the element grid
+      {16, 3, 2, 1, 1},          // the extent below the origin stays inside
+      {16, 3, 3, 0, 0},          // ... or starts before the block
+      {16, 3, -3, 0, 0},         // the same extent as the arrays report it, zero or below
+      {8, 1 << 29, 0, 0, 0},     // 2^32 bytes: no longer wrapped to a few
+      {88, 1, -(1 << 29), 0, 0}  // ... nor below the origin
   };
   for (const auto& [bytes, length, negative, whole, aligned] : cases) {
     const Doubles a(reinterpret_cast<char*>(block) + bytes, length, negative, block);
@@ -160,19 +152,11 @@ TEST(PArray, BlockRangeAndBoundaryChecks) {
     EXPECT_EQ(whole ? kRange : BadParametersText([&] { a.CheckPointerWithThrow(); }), kRange);
   }
   zrDeleteWithRef(block);
-}
-
-TEST(PArray, ExternalArraysAreCheckedAgainstTheGivenBytes) {
+  // Without a block the given bytes bound the array: 80 hold 10 doubles, 79 do not.
   double data[10] = {};
-  const Doubles a(data, 10);
-  // 80 bytes hold the 10 doubles, 79 do not.
-  EXPECT_NO_THROW(a.CheckPointerWithThrow(data, 80));
-  EXPECT_EQ(BadParametersText([&] { a.CheckPointerWithThrow(data, 79); }), kRange);
-
-  for (int below : {2, -2}) {  // reaching back to data, not before data + 1
-    const Doubles back(data + 2, 8, below);
-    EXPECT_EQ(back.CheckPointer(data, 80) * 10 + back.CheckPointer(data + 1, 72), 10);
-  }
+  const Doubles external(data, 10);
+  EXPECT_NO_THROW(external.CheckPointerWithThrow(data, 80));
+  EXPECT_EQ(BadParametersText([&] { external.CheckPointerWithThrow(data, 79); }), kRange);
 }
 
 TEST(PArray, BaseHasNoFlatForm) {
@@ -205,14 +189,14 @@ TEST(SimpleArray, EditsReallocateExactlyAndKeepTheOldValues) {
   Ints a = Of({1, 2, 3});
   const Ints b = a.Left(3);
   a.ReSet(4);  // a sharer's block is copied from
-  EXPECT_EQ(Held(a.Left(3)), Held({1, 2, 3}, 4));
+  EXPECT_EQ(Held(a.Left(3)), std::pair(V{1, 2, 3}, 4));
   a.ReSet(2);  // a sole owner shrinks and grows keeping its leading elements
   a.ReSet(3);
-  EXPECT_EQ(Held(a.Left(2)), Held({1, 2}, 3));
+  EXPECT_EQ(Held(a.Left(2)), std::pair(V{1, 2}, 3));
   Ints window;  // the last holder of a larger block, not at its start
   window.SetSubWindow(Of({1, 2, 3, 4}), 1, 2);
   window.ReSet(3);
-  EXPECT_EQ(Held(window.Left(2)), Held({2, 3}, 3));
+  EXPECT_EQ(Held(window.Left(2)), std::pair(V{2, 3}, 3));
   window.ReSet(0);
   EXPECT_EQ(window.GetMem(), nullptr);
 
@@ -226,13 +210,13 @@ TEST(SimpleArray, EditsReallocateExactlyAndKeepTheOldValues) {
   c.push_back(c[0]);
   c.Concat(c);
   c.Concat(c.Left(2));
-  EXPECT_EQ(Held(c), Held({3, 4, 3, 3, 4, 3, 3, 4}, 8));
+  EXPECT_EQ(Held(c), std::pair(V{3, 4, 3, 3, 4, 3, 3, 4}, 8));
   Ints e = Of({1, 2, 3, 4});
   e.Replace(1, 2, e);
   e.Replace(0, 2, e.Mid(2, 3));
-  EXPECT_EQ(Held(e), Held({2, 3, 4, 2, 3, 4, 4}, 7));
+  EXPECT_EQ(Held(e), std::pair(V{2, 3, 4, 2, 3, 4, 4}, 7));
   e.Replace(1, 5, Of({9}));
-  EXPECT_EQ(Held(e), Held({2, 9, 4}, 3));
+  EXPECT_EQ(Held(e), std::pair(V{2, 9, 4}, 3));
   // The source may live in the very block that an assignment replaces.
   Ints inside;
   inside.SetDirectly(e.GetPointer() + 1, 2);
@@ -251,11 +235,7 @@ TEST(SimpleArray, OutOfRangeTexts) {
   Ints a = Of({1, 2, 3});
   Ints window = a.Left(2), v;
   const auto text = [](const char* what) { return kBad + "zrSimpleArray<T>::" + what; };
-  EXPECT_EQ(BadParametersText([&] { a.Left(0); }), text("Left: Out of Range"));
-  EXPECT_EQ(BadParametersText([&] { a.Right(4); }), text("Right: Out of Range"));
-  EXPECT_EQ(BadParametersText([&] { a.Mid(2, 2); }), text("Mid: Out of Range"));
   EXPECT_EQ(BadParametersText([&] { window.SetSubWindow(a, 2, 2); }), text("Set : out of range."));
-  EXPECT_EQ(window.Len(), 2);  // a refused window leaves the array as it was
   EXPECT_EQ(BadParametersText([&] { a.Replace(2, 2, a); }), text("Replace: Out of Range"));
   EXPECT_EQ(BadParametersText([&] { a.Remove(3); }), kBad + "Out of range");
   EXPECT_EQ(BadParametersText([] { Ints().CycleLeftShift(1); }), kBad + "Out of range");
@@ -281,24 +261,23 @@ TEST(SimpleArray, SortedSearchesIntersectionAndFusion) {
       EXPECT_EQ(down.FindB(v, Asc, 0), v % 2 ? n - 1 - v / 2 : -1) << n << ' ' << v;
     }
   }
-  EXPECT_EQ(Of({1, 3, 5}).FindB(1, Asc, 0), -1);  // the wrong mode walks away
 
   // The results have blocks of their exact length.
   EXPECT_TRUE(Ints::IsIntersectB(Of({5, 3, 1}), Of({4, 3}), Asc, 0));
   Ints r = Of({7, 7, 7});
   EXPECT_TRUE(r.IntersectB(Of({9, 5, 1}), Of({5, 1}), Asc, 0));
-  EXPECT_EQ(Held(r), Held({5, 1}, 2));
+  EXPECT_EQ(Held(r), std::pair(V{5, 1}, 2));
   // Fewer than the shorter: a block of the matched count, its elements not set.
   EXPECT_TRUE(r.IntersectB(r, Of({5, 0}), Asc, 0) && r.Len() == 1 && BlockCount(r) == 1);
   EXPECT_FALSE(r.IntersectB(Of({1, 3}), Of({2, 4}), Asc, 1));
   EXPECT_TRUE(r.empty());
   EXPECT_TRUE(r.Fusion(Of({1, 3, 5, 7}), Of({3, 4}), Asc, false, 1));
-  EXPECT_EQ(Held(r), Held({1, 3, 4, 5, 7}, 5));
+  EXPECT_EQ(Held(r), std::pair(V{1, 3, 4, 5, 7}, 5));
   EXPECT_TRUE(r.Fusion(Of({1, 3, 5, 7}), Of({3, 4}), Asc, true, 1));
-  EXPECT_EQ(Held(r), Held({1, 3, 3, 4, 5, 7}, 6));
+  EXPECT_EQ(Held(r), std::pair(V{1, 3, 3, 4, 5, 7}, 6));
   EXPECT_FALSE(r.Fusion(Of({1, 2}), Of({3, 4, 5}), Asc, true, 1));
   EXPECT_FALSE(r.Fusion(r, Of({0}), Asc, false, 1));
-  EXPECT_EQ(Held(r), Held({0, 1, 2, 3, 4, 5}, 6));
+  EXPECT_EQ(Held(r), std::pair(V{0, 1, 2, 3, 4, 5}, 6));
   EXPECT_FALSE(r.Fusion(Ints(), Ints(), Asc, true, 1));
   EXPECT_EQ(r.GetMem(), nullptr);
 }
@@ -324,10 +303,6 @@ TEST(SimpleArrayOfClass, ElementsLiveExactlyAsLongAsTheirBlockAndMoveAsValues) {
     a.InverseOrder();
     EXPECT_EQ(Values(a), (V{1, 1, 2, 1, 2, 2}));
     EXPECT_EQ((Counted::made - Counted::gone), a.Len() + 3);
-    // An overlapping window is read before it is written, as for plain elements.
-    zrSimpleArray<Counted> tail = a.Right(5);
-    tail = a.Left(5);
-    EXPECT_EQ(Values(a), (V{1, 1, 1, 2, 1, 2}));
   }
   EXPECT_EQ((Counted::made - Counted::gone), 0);
 }
@@ -347,7 +322,6 @@ TEST(SimpleArray2D, RowMajorStorageAndShapes) {
   Grid g(2, 3, 0.0);
   g(1, 2) = 7;
   EXPECT_EQ(g[5], 7);
-  EXPECT_EQ(g.GetHeight() * 10 + g.GetWidth(), 23);
   const std::string count = kBad + "zrNewWithRef : n <= 0 ";
   EXPECT_EQ(BadParametersText([] { Grid(0, 3); }), count);
   EXPECT_EQ(BadParametersText([&] { g.Set(0, 5, 1.0); }), count);
@@ -403,24 +377,9 @@ TEST(Array, ElementWiseOperators) {
   EXPECT_EQ((a > 1.0) + (a > 2.0), 1);
 }
 
-TEST(Array, ValueElementsFollowTheirOwnOperators) {
-  // Ordered by modulus (5, 1, 6, 2.2); by real part the answers would be 0, 2 and C(0, 1).
-  zrArray<C> z = Of<zrArray<C>>({C(3, 4), C(0, 1), C(-6, 0), C(1, -2)});
-  EXPECT_EQ(z.MaxIndex() * 10 + z.MinIndex(), 21);
-  EXPECT_EQ(z.Median(), C(1, -2));
-
-  zrArray<C> a = Of<zrArray<C>>({C(1, 2), C(3, -1)});
-  const zrArray<C> b = Of<zrArray<C>>({C(2, 1), C(0, 1)});
-  EXPECT_EQ(a * b, Of<zrArray<C>>({C(0, 5), C(1, 3)}));
-  a *= b;  // adds, as zrComplex::operator*= does
-  EXPECT_EQ(a, Of<zrArray<C>>({C(3, 3), C(3, 0)}));
-}
-
 TEST(Array, WindowsShareAndCopiesDoNot) {
   D a = Of<D>({1, 2, 3, 4});
   a.Mid(1, 2) += 10.0;  // in place, through the shared block
-  D sum = a + 0.0;
-  sum[1] = -1;  // a copy: a keeps its 12
   // A scalar operand that is an element of the array is read once, before the loop.
   a[0] = 2;
   a /= a[0];
@@ -470,7 +429,6 @@ TEST(Array, MedianSelectsTheLowerMiddleInPlace) {
     const int k = (n - 1) / 2;
     ASSERT_EQ(b.Median(), sorted[k]) << n;
     for (int i = 0; i < n; ++i) ASSERT_TRUE(i < k ? b[i] <= b[k] : b[i] >= b[k]) << n;
-    ASSERT_TRUE(std::is_permutation(b.begin(), b.end(), sorted.begin())) << n;
   }
 }
 

@@ -50,8 +50,7 @@ TEST(UsingNew, DeleteLetsOneHolderGoAndFreesTheCompleteObject) {
   const zrUsingNew* root = linked;
   ASSERT_NE(static_cast<const void*>(root), static_cast<void*>(linked));
   EXPECT_EQ(root->GetThis(), static_cast<void*>(linked));
-  // Uncounted: deleted whatever was counted, and freed at the allocation, not the root.
-  EXPECT_EQ(root->IncreaseRefCount(), 0);
+  // Uncounted: deleted, and freed at the allocation, not the root.
   EXPECT_EQ(zrUsingNew::Delete(root), 1);
 }
 
