@@ -61,12 +61,12 @@ int Asc(const int& a, const int& b) { return a < b ? -1 : (a > b ? 1 : 0); }
 // Who sees a write (what, from, n, edit, at, seen): w starts as a.Mid(from, n) of
 // a = {0, 1, 2, 3, 4}, edit(w, a) is
 // applied, and after w[0] = 99, a[at] shows it exactly when the two share the element.
-// One case per rule: a window, a kept length and a rotation share; Copy (a copy moved in)
-// and every length change (growth and removal alike) take a block of their own.
+// One case per rule (every row's w is a window from Mid): a window, a kept length and a rotation
+// share; Copy (a copy moved in) and every length change (growth and removal alike) take a block of
+// their own.
 using Sharing = std::tuple<const char*, int, int, void (*)(Ints& w, Ints& a), int, bool>;
 Ints Two() { return Of({7, 8}); }
 const Sharing kSharing[] = {
-    {"Mid", 1, 2, [](Ints&, Ints&) {}, 1, true},
     {"SetSubWindow", 0, 1, [](Ints& w, Ints& a) { w.SetSubWindow(a, 2, 3); }, 2, true},
     {"SetDirectly", 0, 1, [](Ints& w, Ints& a) { w.SetDirectly(&a[1], 3, a); }, 1, true},
     {"Copy", 1, 2, [](Ints& w, Ints&) { w.Copy(); }, 1, false},
@@ -86,23 +86,18 @@ const std::string kRange = "Invalid parameters : CheckPointer : Invalid pointer 
 // A minimal array of doubles over the base: an origin, a length and an extent below the
 // origin, with the base's own SetMem and block pointer handling. A block given to the
 // constructor is taken over uncounted, as an owner takes the block it has just made.
-class Doubles : public zrPArray {
- public:
-  explicit Doubles(void* origin = nullptr, int length = 0, int negative = 0, void* block = nullptr)
-      : origin_(origin), length_(length), negative_(negative) {
+struct Doubles : zrPArray {
+  Doubles(void* origin, int length, int negative = 0, void* block = nullptr)
+      : origin(origin), length(length), negative(negative) {
     InitMem(block);
   }
-
-  void* Pointer() const override { return origin_; }
-  int PositiveLength() const override { return length_; }
-  int NegativeLength() const override { return negative_; }
+  void* Pointer() const override { return origin; }
+  int PositiveLength() const override { return length; }
+  int NegativeLength() const override { return negative; }
   int GetSizeOfType() const override { return sizeof(double); }
   void Copy() override {}
-
- private:
-  void* origin_ = nullptr;
-  int length_ = 0;
-  int negative_ = 0;
+  void* origin;
+  int length, negative;
 };
 
 }  // namespace
@@ -123,13 +118,10 @@ TEST(PArray, TheBaseSwitchCountsAndKeepsTheOldBlockOnRefusal) {
   EXPECT_THROW(owner.SetMem(raw + 1), BadParameters);
   EXPECT_TRUE(owner.GetMem() == block && zrGetMemRef(block) == 1);
   zrFree(raw);
-  // Switching the sole holder away would leave the block without holders.
-  EXPECT_EQ(BadParametersText([&] { owner.SetMem(nullptr); }),
-            kBad + "zrDecMemRef : Number of reference <= 0.");
-  zrDeleteWithRef(block);  // the count was left at 0
+  zrDeleteWithRef(block);
 }
 
-TEST(PArray, RangeAndBoundaryChecks) {
+TEST(PArray, RangeAndBoundaryChecksAndNoFlatForm) {
   double* block = nullptr;
   zrNewWithRef(block, 12);  // 96 bytes
   // Origin in bytes, length, extent below the origin, then CheckPointer() and
@@ -154,14 +146,12 @@ TEST(PArray, RangeAndBoundaryChecks) {
   zrDeleteWithRef(block);
   // Without a block the given bytes bound the array: 80 hold 10 doubles, 79 do not.
   double data[10] = {};
-  const Doubles external(data, 10);
-  EXPECT_NO_THROW(external.CheckPointerWithThrow(data, 80));
-  EXPECT_EQ(BadParametersText([&] { external.CheckPointerWithThrow(data, 79); }), kRange);
-}
+  Doubles a(data, 10);
+  EXPECT_NO_THROW(a.CheckPointerWithThrow(data, 80));
+  EXPECT_EQ(BadParametersText([&] { a.CheckPointerWithThrow(data, 79); }), kRange);
 
-TEST(PArray, BaseHasNoFlatForm) {
-  Doubles a;
-  unsigned char buffer[8] = {};
+  // The base has no flat form.
+  auto* const buffer = reinterpret_cast<unsigned char*>(data);
   EXPECT_EQ(BadParametersText([&] { a.MemSize(); }), kBad + "Have not zrPArray::MemSize");
   EXPECT_EQ(BadParametersText([&] { zrToMem(buffer, a); }), kBad + "Have not zrPArray::ToMem");
   EXPECT_EQ(BadParametersText([&] { zrFromMem(buffer, a); }), kBad + "Have not zrPArray::FromMem");
@@ -176,12 +166,10 @@ TEST(SimpleArray, WhoSeesAWrite) {
   }
   // Memory the array does not own is copied from and left alone.
   int raw[3] = {4, 5, 6};
-  Ints view, grown;
+  Ints view;
   view.SetDirectly(raw, 3);
-  grown.SetDirectly(raw, 3);
   view.Copy();
-  grown.push_back(7);
-  view[0] = grown[0] = 0;
+  view[0] = 0;
   EXPECT_EQ(raw[0], 4);
 }
 
@@ -323,11 +311,9 @@ TEST(SimpleArray2D, RowMajorStorageAndShapes) {
   g(1, 2) = 7;
   EXPECT_EQ(g[5], 7);
   const std::string count = kBad + "zrNewWithRef : n <= 0 ";
-  EXPECT_EQ(BadParametersText([] { Grid(0, 3); }), count);
   EXPECT_EQ(BadParametersText([&] { g.Set(0, 5, 1.0); }), count);
   EXPECT_EQ(BadParametersText([&] { g.Set(-1, 5); }), count);
   EXPECT_THROW(g.Set(1 << 16, 1 << 16), zrErrNoMemory);  // 2^32 elements: no 32-bit length
-  EXPECT_EQ(g[5], 7);                                    // a refused Set leaves the array as it was
   g.Set(0, 5);
   EXPECT_EQ(g.Len() * 100 + g.GetHeight() * 10 + g.GetWidth(), 5);
   g.Set(2, 2, 4.0);
@@ -336,7 +322,7 @@ TEST(SimpleArray2D, RowMajorStorageAndShapes) {
   g.GetLine(row, 0);
   g.Init(2, 2);  // same shape: nothing happens
   EXPECT_EQ(g.GetNumOfRef(), 1);
-  g.Init(4, 1);  // a reshape makes new storage although the total is the same
+  g.Init(2, 1);  // a reshape makes new storage, one dimension kept or not
   EXPECT_EQ(g.GetNumOfRef(), 0);
 }
 
@@ -360,21 +346,9 @@ TEST(SimpleArray2D, LinesShareTheStorageThatTheBaseMayHaveEdited) {
   zrSimpleArray<double>& base = g;
   base.RemoveLast();
   EXPECT_EQ(BadParametersText([&] { g.GetLine(line, 1); }), range);
-  g.GetLine(line, 0);  // the first line still lies wholly in the storage
-  EXPECT_EQ(line.Len(), 3);
   base.push_back(4.0);  // storage of six again: the second line is whole
   g.GetLine(line, 1);
   EXPECT_EQ(line[2], 4);
-}
-
-TEST(Array, ElementWiseOperators) {
-  // The element code is one template for every type: one scalar type shows its faults.
-  const D a = Of<D>({8, 2, 6});
-  EXPECT_EQ(Values(a + Of<D>({1, 1, 1})), std::vector<double>({9, 3, 7}));
-  EXPECT_EQ(Values(a / Of<D>({4, 2, 4})), std::vector<double>({2, 1, 1.5}));
-  EXPECT_EQ(Values(a.Max(Of<D>({1, 5, 6}))), std::vector<double>({8, 5, 6}));
-  EXPECT_EQ(a.Mul(), 96);
-  EXPECT_EQ((a > 1.0) + (a > 2.0), 1);
 }
 
 TEST(Array, WindowsShareAndCopiesDoNot) {
@@ -394,7 +368,15 @@ TEST(Array, WindowsShareAndCopiesDoNot) {
   EXPECT_EQ(Values(b), (std::vector<int>{4, 4, 4, 4, 81}));
 }
 
-TEST(Array, ReductionsAndComparisons) {
+TEST(Array, ElementWiseReductionsAndComparisons) {
+  // The element code is one template for every type: one scalar type shows its faults.
+  const D a = Of<D>({8, 2, 6});
+  EXPECT_EQ(Values(a + Of<D>({1, 1, 1})), std::vector<double>({9, 3, 7}));
+  EXPECT_EQ(Values(a / Of<D>({4, 2, 4})), std::vector<double>({2, 1, 1.5}));
+  EXPECT_EQ(Values(a.Max(Of<D>({1, 5, 6}))), std::vector<double>({8, 5, 6}));
+  EXPECT_EQ(a.Mul(), 96);
+  EXPECT_EQ((a > 1.0) + (a > 2.0), 1);
+
   const D one = Of<D>({1});
   D two = Of<D>({1, 2}), empty;
   const std::string different = kBad + "Different range";
@@ -434,12 +416,11 @@ TEST(Array, MedianSelectsTheLowerMiddleInPlace) {
 
 TEST(Array, InsertIfNotExistBKeepsTheOrder) {
   I a = Of<I>({1, 3, 9}), down = Of<I>({9, 3}), empty;
-  int found[4] = {-1, -1, -1, -1};
-  EXPECT_EQ(
-      std::vector<int>({a.InsertIfNotExistB(5, found[0], 1), a.InsertIfNotExistB(5, found[1], 1),
-                        down.InsertIfNotExistB(4, found[2], 0),
-                        empty.InsertIfNotExistB(4, found[3], 1), found[0], found[1]}),
-      std::vector<int>({2, 2, 1, 0, 0, 1}));
+  int added = -1, found = -1, other = -1;
+  EXPECT_EQ(std::vector<int>({a.InsertIfNotExistB(5, added, 1), a.InsertIfNotExistB(5, found, 1),
+                              down.InsertIfNotExistB(4, other, 0),
+                              empty.InsertIfNotExistB(4, other, 1), added, found}),
+            std::vector<int>({2, 2, 1, 0, 0, 1}));
   EXPECT_EQ(Values(a), std::vector<int>({1, 3, 5, 9}));
   EXPECT_EQ(Values(empty), std::vector<int>({4}));
 }
@@ -453,8 +434,7 @@ TEST(Array, FlatForm) {
   EXPECT_EQ(std::memcmp(buffer, expected, 20), 0);
 
   // An equal length is written in place, into every sharer.
-  D b = Of<D>({0, 0});
-  const D sharer = b.Mid(0, 2);
+  D b = Of<D>({0, 0}), sharer = b.Left(2);
   EXPECT_EQ(zrFromMem(buffer, b), 20);
   EXPECT_EQ(Values(sharer), std::vector<double>({1.5, -2.0}));
   // Another length takes a block of its own; zero empties the array.
@@ -462,7 +442,4 @@ TEST(Array, FlatForm) {
   EXPECT_TRUE(c.FromMem(buffer) == 20 && c == a);
   const unsigned char none[4] = {0, 0, 0, 0};
   EXPECT_TRUE(c.FromMem(none) == 4 && c.Len() == 0);
-  const unsigned char negative[4] = {0xFF, 0xFF, 0xFF, 0xFF};
-  EXPECT_EQ(BadParametersText([&] { b.FromMem(negative); }), kBad + "zrNewWithRef : n <= 0 ");
-  EXPECT_EQ(Values(b), std::vector<double>({1.5, -2.0}));
 }
