@@ -12,7 +12,6 @@
 #include <cstdio>
 #include <string>
 #include <tuple>
-#include <vector>
 
 #include "support/array_builders.h"
 #include "zr/core/detail/fault_injection.h"
@@ -51,12 +50,8 @@ std::string Image(const zrSimpleArray2D<double>& a) {
   return Image(a.GetHeight()) + Image(a.GetWidth()) + Image<double>(a);
 }
 std::string Image(const BetaCurve& c) { return Image(c(0.0)) + Image(c(0.3)) + Image(c(0.8)); }
-std::string Image(const BetaTube& t) {
-  return Image(t(0.0, 0.3)) + Image(t(0.4, 1.0)) + Image(t(1, 0.7));
-}
-std::string Image(const zrSpline<double>& p) {
-  return Image(p(0.5)) + Image(p(3.7)) + Image(p.Derivative(6.2, 1));
-}
+std::string Image(const BetaTube& t) { return Image(t(0.0, 0.3)) + Image(t(0.4, 1.0)); }
+std::string Image(const zrSpline<double>& p) { return Image(p(3.7)) + Image(p.Derivative(6, 1)); }
 std::string Image(const zrSplineCurve2D& c) { return Image(c.GetLengthOfCurve()); }
 std::string Image(zrSimpleGraph& g) { return Image(g.GetMaxPath(nullptr)); }
 std::string Image(const zrList1kHead& l) { return Image(l.Len()); }
@@ -70,10 +65,6 @@ std::string Shown(T& x) {
   } catch (const zrExceptionWithMessage& e) {
     return e.GetMessageText();
   }
-}
-template <class W>
-std::string ImageOf(W& w) {
-  return std::apply([](auto&... m) { return (std::string() + ... + Shown(m)); }, w.Tie());
 }
 
 // ---------------------------------------------------------------------------------------
@@ -122,9 +113,8 @@ zrSimpleArray<Col> CurvePoints(double last) {
 }
 // A diagonally dominant n x n band: 4 on the diagonal, 1 and -1 beside it.
 M3 Band(int n) {
-  using Line = zrVector<double>;
-  using Values = zrSimpleArray<double>;
-  return M3(Line(Values(n - 1, 1.0)), Line(Values(n, 4.0)), Line(Values(n - 1, -1.0)));
+  const auto line = [](int k, double x) { return zrVector<double>(zrSimpleArray<double>(k, x)); };
+  return M3(line(n - 1, 1.0), line(n, 4.0), line(n - 1, -1.0));
 }
 
 struct World {
@@ -156,8 +146,8 @@ struct World {
   BetaTube tube{Net(3, 5)}, tube2{Net(4, 6)}, tube0{1.0, 0.0};
   BetaCurve curve{Helix(5)}, curve9{Helix(9)};
   BetaContour contour{Helix(9)};
-  zrSimpleArray<C2> sections = Of<zrSimpleArray<C2>>({square, hexagon, turned});
-  zrSimpleArray<double> heights = Of<zrSimpleArray<double>>({0.0, 2.0, 4.0});
+  zrSimpleArray<C2> cuts = Of<zrSimpleArray<C2>>({square, hexagon, turned});
+  zrSimpleArray<double> zs = Of<zrSimpleArray<double>>({0.0, 2.0, 4.0});
   zrSimpleGraph graph;  // the path n0-n1-n2-n3-n4 with a branch n2-n5; it owns them
   Node* n[6];
   zrListQueue<Node*> queue;
@@ -188,8 +178,11 @@ struct World {
                     b7, origin, axis, col, band, band9, band2, bandwin, up2, down2, power, p2,
                     points, closed, spline, period, unset, cube, nd, pair, ndwin, ndflip, range,
                     tab, round, square, hexagon, turned, viewed, view, loop, arc, arc_spline, helix,
-                    net, tube, tube2, tube0, curve, curve9, contour, sections, heights, graph,
-                    queue, ring1, ring2);
+                    net, tube, tube2, tube0, curve, curve9, contour, cuts, zs, graph, queue, ring1,
+                    ring2);
+  }
+  std::string Image() {
+    return std::apply([](auto&... m) { return (std::string() + ... + Shown(m)); }, Tie());
   }
 };
 
@@ -203,61 +196,24 @@ struct Entry {
 void PrintTo(const Entry& e, std::ostream* os) { *os << e.name; }
 
 const Entry kEntries[] = {
-    {"constructions",
-     [](World&) {
+    // Operations that make objects and drop them, area by area: the world stays as it was.
+    {"arrays and strings: constructions, copies, window Copy, products, GetUnion",
+     [](World& s) {
        Made(zrArray<double>(1000, 1.0), zrSimpleArray2D<double>(20, 30), zrString("some text"),
-            A(Dims({3, 4, 5})), P(5));
+            A(Dims({3, 4, 5})), P(5), zrArray<double>(s.a), s.a * 2.0, Detached(s.a.Mid(3, 20)),
+            zrSimpleArray2D<double>(s.wide), zrSimpleArray<zrString>(s.many),
+            Detached(s.many.Mid(2, 5)), s.s1.GetUnion(s.s2), s.s1 + s.s2,
+            zrString(s.s1.Mid(6, 4).GetCString()));
      }},
-    {"zrArray and zrSimpleArray2D copies, product, window Copy",
+    {"matrices: window Copy, products, Inverse, Det, band copies and sweeps, zrTransformCoord",
      [](World& s) {
-       Made(zrArray<double>(s.a), s.a * 2.0, Detached(s.a.Mid(3, 20)),
-            zrSimpleArray2D<double>(s.wide));
-     }},
-    {"zrArray ReSet with a window held", [](World& s) { s.b.ReSet(200); }},
-    {"zrArray Replace", [](World& s) { s.b.Replace(5, 2, s.a); }},
-    {"zrArray assignment", [](World& s) { s.b = s.a; }},
-    {"zrArray FromMem", [](World& s) { s.b.FromMem(Flat(s.a)); }},
-    {"zrSimpleArray of strings copy and window Copy",
-     [](World& s) { Made(zrSimpleArray<zrString>(s.many), Detached(s.many.Mid(2, 5))); }},
-    {"zrSimpleArray of strings Insert", [](World& s) { s.many.Insert(zrString("new"), 3); }, false},
-    {"zrSimpleArray of strings Replace", [](World& s) { s.many.Replace(2, 4, s.few); }, false},
-    {"zrSimpleArray of strings ReSet", [](World& s) { s.many.ReSet(40); }},
-    {"zrSimpleArray of strings assignment", [](World& s) { s.few = s.many; }, false},
-    {"zrString GetUnion, sum, window",
-     [](World& s) {
-       Made(s.s1.GetUnion(s.s2), s.s1 + s.s2, zrString(s.s1.Mid(6, 4).GetCString()));
-     }},
-    // The tokens are strings an earlier Tokenize made.
-    {"zrString Tokenize", [](World& s) { s.s1.Tokenize(s.tokens, " ,"); }, false},
-    {"zrString GetToken",
-     [](World& s) {
-       for (int pos = 0; s.line.GetToken(pos, s.token) != zrString::TOKEN_END;)
-         Made(zrString(s.token));
-     },
-     false},
-    {"zrMatrix window Copy, products, Inverse, Det",
-     [](World& s) { Made(Detached(s.mwin), s.m * s.m, s.m * s.rhs, s.m.Inverse(), s.m.Det()); }},
-    // Solving eliminates in place.
-    {"zrMatrix SolveEquationGaussMethod",
-     [](World& s) { s.m.SolveEquationGaussMethod(s.col, s.rhs); }, false},
-    {"zrMatrix SelfTMulSelf", [](World& s) { s.m.SelfTMulSelf(s.m2); }},
-    {"zrMatrix assignment", [](World& s) { s.m2 = s.m; }},
-    {"zrMatrix FromMem", [](World& s) { s.m2.FromMem(Flat(s.m)); }},
-    {"zrVector ReSet", [](World& s) { s.rhs.ReSet(30); }},
-    {"zrColumnVector FromMem", [](World& s) { s.origin.FromMem(Flat(s.rhs)); }},
-    {"zrTransformCoord construction, GetCoord, GetScale",
-     [](World& s) {
-       zrTransformCoord t(s.origin, s.axis, 1);
-       Made(t.GetCoord(s.axis), t.GetScale(zrVector<double>(s.origin)));
-     }},
-    {"zrMatrix3Diag copies, products, sum",
-     [](World& s) {
+       Made(Detached(s.mwin), s.m * s.m, s.m * s.rhs, s.m.Inverse(), s.m.Det());
        Made(Detached(M3(s.band)), Detached(s.bandwin), s.band.T().GetMatrix(), s.band * s.band,
             s.band * s.b7, s.band + s.band * 2.0);
-     }},
-    // Each solution is re-created with another length.
-    {"zrMatrix3Diag sweeps, cyclic sweep, five-diagonal sweeps",
-     [](World& s) {
+       zrTransformCoord t(s.origin, s.axis, 1);
+       Made(t.GetCoord(s.axis), t.GetScale(zrVector<double>(s.origin)));
+       // The band sweeps, plain, cyclic and five-diagonal; each solution is re-created with
+       // another length.
        Col x(3), z, f, g;
        zrMatrix<double> X(2, 2);
        s.band.SolveEquationChaserMethod(x, s.b7);
@@ -267,69 +223,73 @@ const Entry kEntries[] = {
        s.band.SolveEquationCycleFactorizeMethod(s.up2, s.down2, 0.1, 0.2, 0.1, 0.2, 0.1, 0.2, g,
                                                 s.b7);
      }},
-    {"zrMatrix3Diag assignment", [](World& s) { s.band = s.band9; }},
-    {"zrMatrix3Diag FromMem", [](World& s) { s.band2.FromMem(Flat(s.band)); }},
-    {"zrMatrix3Diag Set", [](World& s) { s.band2.Set(4); }},
-    {"zrPolynom assignment", [](World& s) { s.p2 = s.power; }},
-    {"zrPolynom SetKoef",
-     [](World& s) {
-       s.p2.SetKoef(Of<Col>({1, 2, 3, 4, 5, 6}), 2.0, P::PowerKoef);
-     }},
-    {"zrSpline construction, copy, MkPeriodSpline3",
+    {"splines and nd arrays: construction, copies, window Copy, stepping",
      [](World& s) {
        zrSpline<double> p(s.closed);
        p.MkPeriodSpline3();
        Made(zrSpline<double>(s.points), zrSpline<double>(s.spline));
-     }},
-    {"zrSpline Make", [](World& s) { s.spline.Make(1, zrSimpleArray<int>(), zrMatrix<double>()); }},
-    {"zrSpline assignment", [](World& s) { s.spline = s.period; }},
-    {"zrSpline assignment to an empty spline", [](World& s) { s.unset = s.spline; }},
-    {"zrArrayND copies, window Copy, flipped Copy, GetReduceDimArrayND",
-     [](World& s) {
        Made(A(s.cube), Detached(s.ndwin), Detached(s.ndflip));
        delete s.cube.GetReduceDimArrayND(1, 2);
-     }},
-    {"zrArrayND assignment", [](World& s) { s.nd = s.cube; }},
-    {"zrArrayND FromMem", [](World& s) { s.pair.FromMem(Flat(s.cube)); }},
-    {"zrRoundArrayND construction, copy, assignment, stepping",
-     [](World& s) {
        zrRoundArrayND r(s.cube), t(s.range, s.tab), c(s.round);
        zrArray<int> at = Dims({1, 1, 1});
        t = r;
        r.SetPos(at);
        Made(++r, --r);
      }},
-    {"zrSimpleContour2D CutByStraightLine",
+    {"curves and graphs: cuts, copies, spline curves, beta curves, GetMaxPath",
      [](World& s) {
        Made(s.square.CutByStraightLine(zrGeom::StraightLine2D({0.5, 1}, {0.5, 0})));
+       Made(zrCurve2D(s.loop), zrCurve2D(static_cast<const zrArray<zrVec2>&>(s.arc)),
+            zrSplineCurve2D(s.loop), zrSplineCurve2D(s.arc, 2), zrSplineCurve2D(s.arc_spline));
+       Made(BetaCurve(s.helix, 1.2, 0.5), BetaContour(s.helix), BetaTube(s.net, 1.0, 0.5),
+            BetaTube(s.tube));
+       zrList2kHead out, from;
+       Made(s.graph.GetMaxPath(&out), s.graph.GetMaxPath(s.n[0], &from));
      }},
+    {"zrArray ReSet with a window held", [](World& s) { s.b.ReSet(200); }},
+    {"zrArray Replace", [](World& s) { s.b.Replace(5, 2, s.a); }},
+    {"zrArray assignment", [](World& s) { s.b = s.a; }},
+    {"zrArray FromMem", [](World& s) { s.b.FromMem(Flat(s.a)); }},
+    {"zrSimpleArray of strings Insert", [](World& s) { s.many.Insert(zrString("new"), 3); }, false},
+    {"zrSimpleArray of strings Replace", [](World& s) { s.many.Replace(2, 4, s.few); }, false},
+    {"zrSimpleArray of strings ReSet", [](World& s) { s.many.ReSet(40); }},
+    {"zrSimpleArray of strings assignment", [](World& s) { s.few = s.many; }, false},
+    // The tokens are strings an earlier Tokenize made.
+    {"zrString Tokenize", [](World& s) { s.s1.Tokenize(s.tokens, " ,"); }, false},
+    {"zrString GetToken",
+     [](World& s) {
+       for (int pos = 0; s.line.GetToken(pos, s.token) != zrString::TOKEN_END;)
+         Made(zrString(s.token));
+     },
+     false},
+    // Solving eliminates in place.
+    {"zrMatrix Gauss solve", [](World& s) { s.m.SolveEquationGaussMethod(s.col, s.rhs); }, false},
+    {"zrMatrix SelfTMulSelf", [](World& s) { s.m.SelfTMulSelf(s.m2); }},
+    {"zrMatrix assignment", [](World& s) { s.m2 = s.m; }},
+    {"zrMatrix FromMem", [](World& s) { s.m2.FromMem(Flat(s.m)); }},
+    {"zrVector ReSet", [](World& s) { s.rhs.ReSet(30); }},
+    {"zrColumnVector FromMem", [](World& s) { s.origin.FromMem(Flat(s.rhs)); }},
+    {"zrMatrix3Diag assignment", [](World& s) { s.band = s.band9; }},
+    {"zrMatrix3Diag FromMem", [](World& s) { s.band2.FromMem(Flat(s.band)); }},
+    {"zrMatrix3Diag Set", [](World& s) { s.band2.Set(4); }},
+    {"zrPolynom assignment", [](World& s) { s.p2 = s.power; }},
+    {"zrPolynom SetKoef", [](World& s) { s.p2.SetKoef(s.rhs, 2.0, P::PowerKoef); }},
+    {"zrSpline Make", [](World& s) { s.spline.Make(1, zrSimpleArray<int>(), zrMatrix<double>()); }},
+    {"zrSpline assignment", [](World& s) { s.spline = s.period; }},
+    {"zrSpline assignment to an empty spline", [](World& s) { s.unset = s.spline; }},
+    {"zrArrayND assignment", [](World& s) { s.nd = s.cube; }},
+    {"zrArrayND FromMem", [](World& s) { s.pair.FromMem(Flat(s.cube)); }},
     {"zrSimpleContour2D MakeCoherentS", [](World& s) { s.turned.MakeCoherentS(s.hexagon); }, false},
     {"zrSimpleContour2D MakeCoherentS with a window held",
      [](World& s) { s.viewed.MakeCoherentS(s.hexagon); }, false},
-    {"zrCurve2D copies; zrSplineCurve2D closed, open, copy",
-     [](World& s) {
-       Made(zrCurve2D(s.loop), zrCurve2D(static_cast<const zrArray<zrVec2>&>(s.arc)),
-            zrSplineCurve2D(s.loop), zrSplineCurve2D(s.arc, 2), zrSplineCurve2D(s.arc_spline));
-     }},
     {"zrSplineCurve2D assignment", [](World& s) { s.arc_spline = zrSplineCurve2D(s.loop); }, false},
-    {"BetaCurve, BetaContour, BetaTube construction and copies",
-     [](World& s) {
-       Made(BetaCurve(s.helix, 1.2, 0.5), BetaContour(s.helix), BetaTube(s.net, 1.0, 0.5),
-            BetaTube(s.tube));
-     }},
     {"BetaTube assignment", [](World& s) { s.tube = s.tube2; }},
-    {"BetaTube MakeInterpolation",
-     [](World& s) { s.tube0.MakeInterpolation(s.sections, s.heights); }},
+    {"BetaTube MakeInterpolation", [](World& s) { s.tube0.MakeInterpolation(s.cuts, s.zs); }},
     {"BetaCurve Rebuild", [](World& s) { s.curve.Rebuild(12); }},
     {"BetaContour Rebuild", [](World& s) { s.contour.Rebuild(7); }},
     {"BetaCurve assignment", [](World& s) { s.curve = s.curve9; }},
     {"zrSimpleGraph Add", [](World& s) { s.graph.Add(new Node); }},
     {"zrSimpleGraph Wave", [](World& s) { s.graph.Wave(s.n[0], zrSimpleGraph::PathLen, nullptr); }},
-    {"zrSimpleGraph GetMaxPath",
-     [](World& s) {
-       zrList2kHead out, from;
-       Made(s.graph.GetMaxPath(&out), s.graph.GetMaxPath(s.n[0], &from));
-     }},
     {"zrListQueue Put", [](World& s) { s.queue.Put(nullptr); }},
     {"zrSimpleList1k Add", [](World& s) { s.ring1.Add(new zrSimpleList1k<Node*>(nullptr)); }},
     {"zrSimpleList2k AddBefore",
@@ -341,8 +301,7 @@ const Entry kEntries[] = {
 // Prints the number of (operation, failure point) pairs when the program ends. ctest runs
 // every case as a process of its own, so each prints its own count there; the ctest entry
 // zr_fault_all_pairs runs the whole program once, and its line is the full total.
-class PairCount : public ::testing::Environment {
- public:
+struct PairCount : ::testing::Environment {
   void TearDown() override {
     std::printf(
         "allocation-failure pairs: %ld (%ld failure points, each failed once and from "
@@ -366,7 +325,7 @@ TEST_P(FaultInjection, EveryAllocationFailsInTurn) {
       bool threw = false;
       {
         World w;
-        const std::string before = ImageOf(w);
+        const std::string before = w.Image();
         FailAllocation(n, persistent);
         try {
           e.op(w);
@@ -378,7 +337,7 @@ TEST_P(FaultInjection, EveryAllocationFailsInTurn) {
         }
         EXPECT_EQ(InjectedFailures() > 0, threw) << at << "failure injected and exception differ";
         ClearFailure();
-        const std::string after = ImageOf(w);  // read whole in any case
+        const std::string after = w.Image();  // read whole in any case
         EXPECT_TRUE(!threw || !e.strong || after == before) << at << "the objects changed";
       }
       EXPECT_EQ(LiveAllocations() - baseline, 0) << at << "blocks not given back";

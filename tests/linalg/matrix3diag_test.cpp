@@ -1,10 +1,8 @@
 #include <gtest/gtest.h>
 
-#include <cstring>
 #include <functional>
 #include <string>
 #include <utility>
-#include <vector>
 
 #include "support/levels.h"
 #include "support/linalg_values.h"
@@ -18,7 +16,7 @@ using Col = zrColumnVector<double>;
 using Dense = zrMatrix<double>;
 using zr_test::ExpectSolves, zr_test::R, zr_test::RVec, zr_test::Tri, zr_test::Values;
 
-TEST(Matrix3Diag, ViewsArithmeticAndFlatForm) {
+TEST(Matrix3Diag, ViewsAndArithmetic) {
   // The band of a dense 3 x 4 matrix and of its transpose (other steps) writes through.
   Dense m(3, 4);
   for (int i = 0; i < 12; ++i) m.GetPointer()[i] = i;
@@ -51,47 +49,15 @@ TEST(Matrix3Diag, ViewsArithmeticAndFlatForm) {
   EXPECT_TRUE(Values(a * b) == Values(product) && Values(a * db) == Values(product));
   EXPECT_TRUE(Values(a * x) == Values(da * x) && Values(a - db) == Values(da - db));
   EXPECT_TRUE(Values((a + b).GetMatrix()) == Values(da + db) && (a + 1.0)(2, 1) == a(2, 1) + 1);
-
-  // Flat form of a window: Up, Diag, Down, each as a length and its elements.
-  M3 w, back;
-  w.Set(big, 1, 3);
-  std::vector<unsigned char> buf(2 * (4 + 2 * 8) + (4 + 3 * 8));
-  ASSERT_EQ(zrMemSize(w), static_cast<int>(buf.size()));
-  EXPECT_TRUE(zrToMem(buf.data(), w) == w.MemSize() && zrFromMem(buf.data(), back) == w.MemSize());
-  double up1;
-  std::memcpy(&up1, &buf[12], 8);  // after Up's length and Up[0]
-  EXPECT_TRUE(up1 == big(2, 3) && back(2, 1) == big(3, 2));
-}
-
-// The five-band solvers, plain and cyclic, against the dense system they stand for.
-TEST(Matrix3Diag, FactorizeSolversMatchDense) {
-  Col x, y;
-  for (int n : {3, 4, 5, 6, 9, 40}) {
-    const M3 a = Tri(n);
-    const Col b = RVec(n);
-    // up2 read through a step of 2.
-    const zrVector<double> store = RVec(2 * n), down2 = RVec(n - 2);
-    zrVector<double> up2;
-    up2.Set(store, 0, n - 2, 2);
-    a.SolveEquationFactorizeMethod(up2, down2, x, b);
-    Dense d = a.GetMatrix();
-    for (int i = 0; i + 2 < n; ++i) d(i, i + 2) = up2[i], d(i + 2, i) = down2[i];
-    ExpectSolves(d, b, x);
-    if (n < 5) continue;
-    const double c[6] = {R(), R(), R(), R(), R(), R()};
-    a.SolveEquationCycleFactorizeMethod(up2, down2, c[0], c[1], c[2], c[3], c[4], c[5], y, b);
-    d(0, n - 2) = c[0], d(0, n - 1) = c[1], d(1, n - 1) = c[2];
-    d(n - 2, 0) = c[3], d(n - 1, 0) = c[4], d(n - 1, 1) = c[5];
-    ExpectSolves(d, b, y);
-  }
 }
 
 // The sweep solves the dense system, plain and cyclic; the sweeps of several right-hand
 // sides at once and of the cyclic system's two columns give every level the plain level's
 // bits; every place the solution may be gives the bits of a fresh one: a vector of the
 // right size, the right-hand side itself, storage the bands share (which must not hold the
-// sweep's intermediate values).
+// sweep's intermediate values). The five-band sweeps solve their dense systems too.
 TEST(Matrix3Diag, SweepsSolveAgreeAtEveryLevelAndWherePlaced) {
+  Col five, cyclic;
   for (const int n : {1, 2, 3, 4, 5, 9, 100}) {
     const M3 a = Tri(n);
     const Col b = RVec(n);
@@ -114,8 +80,7 @@ TEST(Matrix3Diag, SweepsSolveAgreeAtEveryLevelAndWherePlaced) {
       band.Set(store, 0, band.Len());
       band = values;
       Col x;
-      if (k < 3) x.Set(store, 1, n);
-      if (k == 3) x.SetDirectly(store.GetPointer() + 1, n, 1);
+      k < 3 ? x.Set(store, 1, n) : x.SetDirectly(store.GetPointer() + 1, n, 1);
       c.SolveEquationChaserMethod(x, b);
       EXPECT_EQ(Values(x), Values(fresh)) << n << " band " << k;
     }
@@ -144,6 +109,22 @@ TEST(Matrix3Diag, SweepsSolveAgreeAtEveryLevelAndWherePlaced) {
       EXPECT_EQ(Values(in_place), Values(x));
       return Values(x);
     });
+
+    // The five-band solvers, plain and cyclic, into the solutions of the last order, against
+    // the dense system they stand for; up2 read through a step of 2.
+    const zrVector<double> store = RVec(2 * n), down2 = RVec(n - 2);
+    zrVector<double> up2;
+    up2.Set(store, 0, n - 2, 2);
+    a.SolveEquationFactorizeMethod(up2, down2, five, b);
+    Dense d = a.GetMatrix();
+    for (int i = 0; i + 2 < n; ++i) d(i, i + 2) = up2[i], d(i + 2, i) = down2[i];
+    ExpectSolves(d, b, five);
+    if (n < 5) continue;
+    const double c[6] = {R(), R(), R(), R(), R(), R()};
+    a.SolveEquationCycleFactorizeMethod(up2, down2, c[0], c[1], c[2], c[3], c[4], c[5], cyclic, b);
+    d(0, n - 2) = c[0], d(0, n - 1) = c[1], d(1, n - 1) = c[2];
+    d(n - 2, 0) = c[3], d(n - 1, 0) = c[4], d(n - 1, 1) = c[5];
+    ExpectSolves(d, b, cyclic);
   }
 }
 

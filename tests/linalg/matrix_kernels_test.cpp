@@ -51,7 +51,7 @@ void ExpectEliminationsAgree(
 
 // Orders at each edge of the step-by-step size (64), the panels (8) and the tiles; wide and
 // tall systems, with columns past a block of 256.
-TEST(MatrixKernels, EliminationAcrossBlockSizes) {
+TEST(MatrixKernels, EliminationAcrossBlockSizesZeroPivotsAndTies) {
   std::uint64_t seed = 1;
   for (const int n : {1, 2, 3, 7, 8, 9, 17, 33, 63, 64, 65, 66, 100, 129})
     for (const Fill fill : {kMixed, kSparse, kWide})
@@ -60,11 +60,9 @@ TEST(MatrixKernels, EliminationAcrossBlockSizes) {
            {3, 5}, {5, 3}, {40, 300}, {70, 80}, {80, 70}, {1, 9}, {9, 1}, {66, 65}})
     for (const Fill fill : {kMixed, kSparse})
       ExpectEliminationsAgree({rows, cols, 1, cols}, fill, ++seed);
-}
 
-// A zero column (the first, a middle one, the last) stops the elimination at its step;
-// two equal rows cancel exactly; a column of one magnitude makes the pivot search meet ties.
-TEST(MatrixKernels, ZeroPivotsTiesAndEqualRows) {
+  // A zero column (the first, a middle one, the last) stops the elimination at its step;
+  // two equal rows cancel exactly; a column of one magnitude makes the pivot search meet ties.
   for (const int n : {4, 12, 70, 150}) {
     ExpectEliminationsAgree({n, n, 1, n}, kZeros, 200 + n);
     for (int edit = 0; edit < 5; ++edit)
@@ -81,7 +79,7 @@ TEST(MatrixKernels, ZeroPivotsTiesAndEqualRows) {
 // Views with every sign of step, windows and every other element; a right-hand side with
 // a negative step, right after the matrix's span, and one on a column of the matrix (the
 // kernel declines); rows that overlap in storage (it declines too).
-TEST(MatrixKernels, LayoutsStepsAndSharedStorage) {
+TEST(MatrixKernels, LayoutsStepsAndSeparateStorage) {
   for (const int n : {6, 40, 90}) {
     const Layout layouts[] = {{n, n, n, 1},         {n, n, 1, n + 7},      {n, n, 2, 2 * n + 1},
                               {n, n, -1, n},        {n, n, 1, -n},         {n, n, -1, -n},
@@ -90,11 +88,9 @@ TEST(MatrixKernels, LayoutsStepsAndSharedStorage) {
                               {n, n, 1, n / 2 + 1}, {n, n, -1, -(n - 1)},  {n, n, n - 1, -1}};
     for (const Layout& l : layouts) ExpectEliminationsAgree(l, n == 40 ? kSparse : kMixed, 700 + n);
   }
-}
 
-// The layouts the elimination kernel takes and those it must decline, at each edge: a
-// 3 x 4 view at a (no right-hand side when bn is 0), a right-hand side at a + b.
-TEST(MatrixKernels, SeparateStorage) {
+  // The layouts the elimination kernel takes and those it must decline, at each edge: a
+  // 3 x 4 view at a (no right-hand side when bn is 0), a right-hand side at a + b.
   double s[64];
   double* const a = s + 20;
   const int cases[][8] = {
@@ -114,7 +110,7 @@ TEST(MatrixKernels, SeparateStorage) {
 // a * b for sizes at every edge of the register blocks (4 x 4, 6 x 8, 8 x 24), of the
 // packed blocks of a (64, 96, 128 rows) and b (k 256, 680 .. 4080 columns), with one row
 // or column, and with operands of other layouts.
-TEST(MatrixKernels, ProductAcrossBlockSizesAndLayouts) {
+TEST(MatrixKernels, ProductsAcrossBlockSizesAndLayouts) {
   const int sizes[][3] = {{1, 1, 2000},  {7, 23, 255}, {9, 25, 257},    {8, 24, 256},
                           {6, 8, 40},    {7, 9, 513},  {13, 47, 300},   {130, 97, 70},
                           {97, 131, 33}, {4, 4100, 3}, {200, 121, 260}, {65, 5, 7},
@@ -134,22 +130,17 @@ TEST(MatrixKernels, ProductAcrossBlockSizesAndLayouts) {
                               Layout{k, n - 1, -1, -n}, Layout{k, n - 1, -k, 1}})
         ExpectLevelsAgree([&] { return Values(Laid(l, kMixed, n).m * Laid(r, kMixed, 7).m); });
   }
-}
 
-// T() * a, computed above the diagonal and mirrored (built aside, so where it goes is the
-// class's business, not the kernel's).
-TEST(MatrixKernels, SelfTransposedProduct) {
-  for (const int rows : {1, 9, 257}) {
-    for (const int cols : {1, 7, 26, 131}) {
-      for (const Layout& l : {Layout{rows, cols, 1, cols}, Layout{rows, cols, -rows, 1}}) {
+  // T() * a, computed above the diagonal and mirrored (built aside, so where it goes is the
+  // class's business, not the kernel's).
+  for (const int rows : {1, 9, 257})
+    for (const int cols : {1, 7, 26, 131})
+      for (const Layout& l : {Layout{rows, cols, 1, cols}, Layout{rows, cols, -rows, 1}})
         ExpectLevelsAgree([&] {
           M out;
           Laid(l, kWide, rows + cols).m.SelfTMulSelf(out);
           return Values(out);
         });
-      }
-    }
-  }
 }
 
 }  // namespace

@@ -2,7 +2,6 @@
 
 #include <cmath>
 #include <cstring>
-#include <string>
 
 #include "support/linalg_values.h"
 #include "support/test_support.h"
@@ -10,13 +9,7 @@
 
 namespace {
 
-const double kPi = std::acos(-1.0);
-
 using zr_test::ExpectElements, zr_test::ExpectRefused;
-
-void ExpectNear(const zrTVec3<double>& a, const zrTVec3<double>& b) {
-  for (int i = 0; i < 3; ++i) EXPECT_NEAR(a[i], b[i], 1e-14) << "component " << i;
-}
 
 TEST(Matrix2x2, ArithmeticTurnsFlatFormAndConversions) {
   const zrMatrix2x2 a(1, 2, 3, 4);
@@ -29,11 +22,9 @@ TEST(Matrix2x2, ArithmeticTurnsFlatFormAndConversions) {
   ExpectRefused("zrMatrix2x2::Inverse : det = 0 ", [] { zrMatrix2x2(1e-61, 0, 0, 1).Inverse(); });
   EXPECT_DOUBLE_EQ(zrMatrix2x2(1e-59, 0, 0, 1).Inverse()(0, 0), 1e59);
 
-  zrMatrix2x2 r, v;
-  r.SetTurn(kPi / 2);
+  zrMatrix2x2 v;
   v.SetTurn(zrVec2(1, 0), zrVec2(0, 2));
   ExpectElements(v, {0, -1, 1, 0});
-  ExpectElements(r, {0, -1, 1, 0}, 1e-16);
   // The axis forms turn the x axis (0) or the y axis (any other value) onto v.
   v.SetTurn(zrVec2(3, 4), 0);
   ExpectElements(v, {0.6, -0.8, 0.8, 0.6});
@@ -66,8 +57,6 @@ TEST(Matrix3x3, ArithmeticCopyInverseAndTurns) {
   EXPECT_EQ(a * v, zrTVec3<double>(14, 32, 53));
   EXPECT_EQ(v * a, zrTVec3<double>(30, 36, 45));
   EXPECT_EQ(a.Det(), -3.0);
-  ExpectElements(MulCL(v, zrTVec3<double>(1, 10, 100)), {1, 10, 100, 2, 20, 200, 3, 30, 300});
-  ExpectElements(MulCL(zrVec2(2, 3), zrVec2(4, 5)), {8, 10, 12, 15});
   ExpectElements(a * a.Inverse(), {1, 0, 0, 0, 1, 0, 0, 0, 1}, 1e-14);
   ExpectRefused(zr::text::kSystemNotUnique, [] { zrTMatrix3x3<double>(1.0).Inverse(); });
 
@@ -84,8 +73,6 @@ TEST(Matrix3x3, ArithmeticCopyInverseAndTurns) {
 
   const zrTVec3<double> ex(1, 0, 0), ey(0, 1, 0), ez(0, 0, 1);
   zrTMatrix3x3<double> r, rx, ry, rz;
-  r.SetTurn(kPi / 2, zrTVec3<double>(0, 0, 5));  // +x toward +y about +z
-  ExpectNear(r * ex, ey);
   // Euler angles compose as Rz(c) * Ry(b) * Rx(a).
   rx.SetTurn(0.3, ex), ry.SetTurn(-1.1, ey), rz.SetTurn(2.0, ez), r.SetTurn(0.3, -1.1, 2.0);
   for (int i = 0; i < 9; ++i) EXPECT_NEAR(r.GetPointer()[i], (rz * ry * rx).GetPointer()[i], 1e-15);
@@ -96,9 +83,9 @@ TEST(Matrix3x3, ArithmeticCopyInverseAndTurns) {
   // zero vector NaNs.
   const zrTVec3<double> from(1, -2, 0.5), to(0.3, 1, -2), n = from.VectorMul(to), d(0, 3, 1);
   r.SetTurn(from * 3.0, to);
-  ExpectNear(r * (from / from.Norm()), to / to.Norm());
-  ExpectNear(r * n, n);
-  ExpectNear(r * n.VectorMul(from) / from.Norm(), n.VectorMul(to) / to.Norm());
+  EXPECT_NEAR((r * (from / from.Norm()) - to / to.Norm()).Norm(), 0, 1e-14);
+  EXPECT_NEAR((r * n - n).Norm(), 0, 1e-14);
+  EXPECT_NEAR((r * n.VectorMul(from) / from.Norm() - n.VectorMul(to) / to.Norm()).Norm(), 0, 1e-14);
   r.SetTurn(d, -d);
   ExpectElements(r, {-1, 0, 0, 0, -0.8, -0.6, 0, -0.6, 0.8}, 1e-15);
   r.SetTurn(d, d * 2.0);

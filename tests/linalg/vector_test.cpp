@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <cmath>
 #include <cstring>
-#include <initializer_list>
 #include <vector>
 
 #include "support/linalg_values.h"
@@ -28,23 +27,24 @@ V3 Val(double d, V3) { return V3(d, 2 * d, -d); }
 template <class T>
 void CheckElementType(const char* name) {
   SCOPED_TRACE(name);
+  const auto v = [](double d) { return Val(d, T()); };
   zrVector<T> a(6), w, w2;
-  for (int i = 0; i < 6; ++i) a[i] = Val(i, T());
+  for (int i = 0; i < 6; ++i) a[i] = v(i);
   zrVector<T> shared(a), other(a), detached(a), back(a);  // the copy constructor shares
-  shared[0] = Val(9, T());
-  EXPECT_TRUE(a[0] == Val(9, T()) && a.GetNumOfRef() == 4);
+  shared[0] = v(9);
+  EXPECT_TRUE(a[0] == v(9) && a.GetNumOfRef() == 4);
 
   w.Set(a, 1, 3, 2);   // storage 1, 3, 5
   w2.Set(w, 1, 2, 2);  // the given step is not scaled by w's: storage 3, 5
-  EXPECT_EQ(Values(w2), (std::vector<T>{Val(3, T()), Val(5, T())}));
+  EXPECT_EQ(Values(w2), (std::vector<T>{v(3), v(5)}));
 
   // Assignment of equal length writes through the window into a and its sharers; of
   // another length it takes fresh storage and leaves the old sharers alone.
-  w = Of<zrVector<T>>({Val(7, T()), Val(8, T()), Val(9, T())});
-  other = Of<zrVector<T>>({Val(1, T())});
-  EXPECT_TRUE(shared[3] == Val(8, T()) && other.GetNumOfRef() == 0 && a.Len() == 6);
+  w = Of<zrVector<T>>({v(7), v(8), v(9)});
+  other = Of<zrVector<T>>({v(1)});
+  EXPECT_TRUE(shared[3] == v(8) && other.GetNumOfRef() == 0 && a.Len() == 6);
   detached.Copy();
-  detached[0] = Val(4, T());
+  detached[0] = v(4);
 
   // The flat form of the window is packed; reading it back gives a contiguous vector.
   std::vector<unsigned char> buf(4 + 3 * sizeof(T));
@@ -54,13 +54,12 @@ void CheckElementType(const char* name) {
     EXPECT_EQ(std::memcmp(buf.data() + 4 + i * sizeof(T), &a[2 * i + 1], sizeof(T)), 0) << i;
   EXPECT_EQ(back.FromMem(buf.data()), w.MemSize());
   // FromMem took fresh storage; the detached copy wrote its own.
-  EXPECT_TRUE(Values(back) == Values(w) && back.Tab() == 1 && a[1] == Val(7, T()) &&
-              a[0] == Val(9, T()));
+  EXPECT_TRUE(Values(back) == Values(w) && back.Tab() == 1 && a[1] == v(7) && a[0] == v(9));
 
   // ReSet of a strided window keeps its values in front and leaves it contiguous.
   w.ReSet(4);
-  w[0] = Val(0, T());
-  EXPECT_TRUE(w.Tab() == 1 && w[2] == Val(9, T()) && a[1] == Val(7, T()));
+  w[0] = v(0);
+  EXPECT_TRUE(w.Tab() == 1 && w[2] == v(9) && a[1] == v(7));
 
   // Assigned a reversed view of itself, a vector is reversed in place: its sharers see it.
   std::vector<T> reversed = Values(a);
@@ -72,10 +71,36 @@ void CheckElementType(const char* name) {
 
 }  // namespace
 
-TEST(Vector, EveryElementType) {
+TEST(Vector, EveryElementTypeAndItsRules) {
 #define ZR_TEST_ELEMENT_TYPE(T) CheckElementType<T>(#T);
   ZR_LINALG_TYPES(ZR_TEST_ELEMENT_TYPE)
 #undef ZR_TEST_ELEMENT_TYPE
+
+  // The rules of each element type.
+  // double: ties keep this vector's value.
+  zrVector<double> d = Of({1.0, 5.0, -0.0});
+  d.Min(Of({2.0, 3.0, 0.0}));
+  EXPECT_TRUE(Values(d) == (D{1, 3, 0}) && std::signbit(d[2]));
+
+  // zrComplex: by modulus, whole values; no conjugation; the kept norm rule.
+  using VC = zrVector<C>;
+  VC z = Of<VC>({C(3, 4), C(0, 1)});
+  z.Max(Of<VC>({C(-5, 0), C(2, 0)}));
+  EXPECT_EQ(Values(z), (std::vector<C>{C(3, 4), C(2, 0)}));
+  EXPECT_EQ(Of<VC>({C(1, 2)}).ScalarMul(Of<VC>({C(1, 2)})), C(-3, 4));
+  // s = i*i = -1, r = 1, q = 0: (sqrt(0.5), sqrt(0.5)), not the modulus 1.
+  EXPECT_EQ(Of<VC>({C(0, 1)}).Norm(), C(std::sqrt(0.5), std::sqrt(0.5)));
+  VC m = Of<VC>({C(1, 2)});
+  m *= C(3, 4);              // the element's own (adding) operator: (4, 6)
+  m.Mul(Of<VC>({C(0, 1)}));  // multiplies
+  EXPECT_EQ(m[0], C(-6, 4));
+
+  // zrTVec3: all three coordinates or nothing; coordinate-wise products and roots.
+  using VP = zrVector<V3>;
+  VP p = Of<VP>({V3(1, 5, 1), V3(1, 5, 1)});
+  p.Min(Of<VP>({V3(0, 0, 2), V3(0, 0, 0)}));
+  EXPECT_EQ(Values(p), (std::vector<V3>{V3(1, 5, 1), V3(0, 0, 0)}));
+  EXPECT_EQ(Of<VP>({V3(3, 0, 1), V3(4, 2, 0)}).Norm(), V3(5, 2, 1));
 }
 
 TEST(Vector, WindowsStepsEditingAndErrors) {
@@ -105,33 +130,6 @@ TEST(Vector, WindowsStepsEditingAndErrors) {
   r.SetDirectly(data + 3, 4, -1);
   EXPECT_TRUE(Values(r) == (D{4, 3, 2, 1}) && r.ScalarMul(Of({1, 0, 0, 10})) == 14);
   EXPECT_TRUE(r.NegativeLength() == -3 && r.PositiveLength() == 0 && r.CheckPointer(data, 32));
-}
-
-TEST(Vector, PerTypeRules) {
-  // double: ties keep this vector's value.
-  zrVector<double> d = Of({1.0, 5.0, -0.0});
-  d.Min(Of({2.0, 3.0, 0.0}));
-  EXPECT_TRUE(Values(d) == (D{1, 3, 0}) && std::signbit(d[2]));
-
-  // zrComplex: by modulus, whole values; no conjugation; the kept norm rule.
-  using VC = zrVector<C>;
-  VC z = Of<VC>({C(3, 4), C(0, 1)});
-  z.Max(Of<VC>({C(-5, 0), C(2, 0)}));
-  EXPECT_EQ(Values(z), (std::vector<C>{C(3, 4), C(2, 0)}));
-  EXPECT_EQ(Of<VC>({C(1, 2)}).ScalarMul(Of<VC>({C(1, 2)})), C(-3, 4));
-  // s = i*i = -1, r = 1, q = 0: (sqrt(0.5), sqrt(0.5)), not the modulus 1.
-  EXPECT_EQ(Of<VC>({C(0, 1)}).Norm(), C(std::sqrt(0.5), std::sqrt(0.5)));
-  VC m = Of<VC>({C(1, 2)});
-  m *= C(3, 4);              // the element's own (adding) operator: (4, 6)
-  m.Mul(Of<VC>({C(0, 1)}));  // multiplies
-  EXPECT_EQ(m[0], C(-6, 4));
-
-  // zrTVec3: all three coordinates or nothing; coordinate-wise products and roots.
-  using VP = zrVector<V3>;
-  VP p = Of<VP>({V3(1, 5, 1), V3(1, 5, 1)});
-  p.Min(Of<VP>({V3(0, 0, 2), V3(0, 0, 0)}));
-  EXPECT_EQ(Values(p), (std::vector<V3>{V3(1, 5, 1), V3(0, 0, 0)}));
-  EXPECT_EQ(Of<VP>({V3(3, 0, 1), V3(4, 2, 0)}).Norm(), V3(5, 2, 1));
 }
 
 // What the two orientations share: T() viewing the same elements as the other one, fresh
@@ -206,10 +204,8 @@ TEST(Vector, WindowsStayInsideTheirBlock) {
                           Window{6, 0, 1, false}, Window{4, 9, 0, true}, Window{5, 9, 0, false}}) {
     w = Of({7});
     SCOPED_TRACE(testing::Message() << c.start << " " << c.len << " " << c.step);
-    if (c.inside) w.Set(mid, c.start, c.len, c.step);
-    if (!c.inside)
-      ExpectRefused("zrVector<T>::Set : out of range.",
-                    [&] { w.Set(mid, c.start, c.len, c.step); });
+    const auto set = [&] { w.Set(mid, c.start, c.len, c.step); };
+    c.inside ? set() : ExpectRefused("zrVector<T>::Set : out of range.", set);
     EXPECT_TRUE(c.inside ? w.GetMem() == v.GetMem() && w.Len() == c.len &&
                                (c.len == 0 || w[0] == 1 + c.start)
                          : w.Len() == 1 && w[0] == 7);

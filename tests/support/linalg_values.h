@@ -44,12 +44,9 @@ V Of(std::initializer_list<typename V::value_type> xs) {
 template <class TT = double>
 zrMatrix<TT> Rows(std::initializer_list<std::initializer_list<std::common_type_t<TT>>> rows) {
   zrMatrix<TT> m(static_cast<int>(rows.size()), static_cast<int>(rows.begin()->size()));
-  int i = 0;
-  for (const auto& row : rows) {
-    int j = 0;
-    for (const TT& x : row) m(i, j++) = x;
-    ++i;
-  }
+  TT* at = m.GetPointer();  // a new matrix is stored by rows
+  for (const auto& row : rows)
+    for (const TT& x : row) *at++ = x;
   return m;
 }
 
