@@ -68,10 +68,9 @@ TEST(ArrayNDAbs, GetLineWithinClipsByOutcodes) {
       {INT_MIN, 1, INT_MAX, 2, 1, 0, 1, 3, 2},
   };
   for (const auto& c : clips) {
-    zrArray<int> p1 = I(c[0], c[1]);
-    zrArray<int> p2 = I(c[2], c[3]);
-    const int inside = box.GetLineWithin(p1, p2);
-    EXPECT_EQ(L({inside, p1[0], p1[1], p2[0], p2[1]}), L(c + 4, c + 9)) << c[0] << ' ' << c[1];
+    zrArray<int> p1 = I(c[0], c[1]), p2 = I(c[2], c[3]);
+    EXPECT_EQ(L({box.GetLineWithin(p1, p2), p1[0], p1[1], p2[0], p2[1]}), L(c + 4, c + 9))
+        << c[0] << ' ' << c[1];
   }
   zrArray<int> p2 = I(1, 1), p3 = I(1, 1, 1);
   const std::string two = "Invalid parameters : Dimension must equal 2 in GetLine.";
