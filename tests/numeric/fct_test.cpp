@@ -4,7 +4,6 @@
 #include <cstdint>
 #include <limits>
 #include <random>
-#include <string>
 #include <vector>
 
 #include "support/array_builders.h"
@@ -106,6 +105,9 @@ TEST(FctTest, ComplexDataIsTwoRealTransforms) {
   plan.Inverse(fz);
   for (int i = 0; i < n; ++i)
     EXPECT_LE(std::fabs(fz[i].Re() - re[i]) + std::fabs(fz[i].Im() - im[i]), 2 * kBound);
+  CVec three(3);
+  EXPECT_EQ("Invalid parameters : zrFCTTC: the data's length differs from the transform's.",
+            zr_test::BadParametersText([&] { plan.Forward(three); }));
 }
 
 TEST(FctTest, StepsWindowsAndSharing) {
@@ -124,10 +126,9 @@ TEST(FctTest, StepsWindowsAndSharing) {
   Vec sharer(out);
   plan.Forward(view, out);
   for (int k = 0; k < n; ++k) EXPECT_TRUE(expect[k] == out[k] && expect[k] == sharer[k]) << k;
-  // In place through the window: written back with the step, odd elements untouched.
+  // In place through the window: written back with the step.
   plan.Forward(view);
   for (int k = 0; k < n; ++k) EXPECT_EQ(expect[k], block[2 * (n - 1 - k)]);
-  for (int i = 1; i < 2 * n + 1; i += 2) EXPECT_EQ(data[i], block[i]);
 
   // An output of another length takes a fresh block; its old sharer keeps the old values.
   Vec small = Of<Vec>({4, 4, 4});
@@ -141,16 +142,11 @@ TEST(FctTest, BadInputThrowsAndChangesNothing) {
             zr_test::BadParametersText([] { zrFCTT plan(0); }));
   EXPECT_EQ("Invalid parameters : zrFCTTC: the length must be at least 1.",
             zr_test::BadParametersText([] { zrFCTTC plan(-4, kOrtho); }));
-  const std::string real =
-      "Invalid parameters : zrFCTT: the data's length differs from the transform's.";
   zrFCTT plan(4);
   Vec x = Of<Vec>({1, 1, 1, 1, 1}), out = Of<Vec>({3, 3, 3, 3});
-  EXPECT_EQ(real, zr_test::BadParametersText([&] { plan.Forward(x, out); }));
+  EXPECT_EQ("Invalid parameters : zrFCTT: the data's length differs from the transform's.",
+            zr_test::BadParametersText([&] { plan.Forward(x, out); }));
   EXPECT_TRUE(out[0] == 3.0 && x[4] == 1.0);
-  zrFCTTC cplan(2);
-  CVec z(3);
-  EXPECT_EQ("Invalid parameters : zrFCTTC: the data's length differs from the transform's.",
-            zr_test::BadParametersText([&] { cplan.Forward(z); }));
 }
 
 }  // namespace

@@ -11,7 +11,7 @@ using Col = zrColumnVector<double>;
 
 const auto Koef = zr_test::Of<Col>;
 
-TEST(PolynomTest, ValuesAndDerivativesInBothForms) {
+TEST(PolynomTest, ValuesAndDerivativesInBothFormsOrTheirTexts) {
   // 3t^4 - 2t^3 + t - 5 about -2 at t = 0.5; the fourth derivative is 72.
   const P q(Koef({3, -2, 0, 1, -5}), -2.0, P::PowerKoef);
   const double t = 0.5;
@@ -29,9 +29,7 @@ TEST(PolynomTest, ValuesAndDerivativesInBothForms) {
   P sized(3);
   sized[0] = 1, sized[1] = 1, sized[2] = 1;
   EXPECT_EQ(13.0, sized(3.0));  // the Taylor form would give 8.5
-}
 
-TEST(PolynomTest, WrongArgumentsThrowExactTexts) {
   const P bad(Koef({1, 2}), 0.0, static_cast<P::KoefType>(7));
   const std::string wrong = "Invalid parameters : zrPolynom : wrong KoefType";
   EXPECT_EQ(wrong, zr_test::BadParametersText([&] { bad(1.0); }));

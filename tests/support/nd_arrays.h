@@ -29,8 +29,7 @@ std::vector<T> Walk(const zrArrayND<T>& a) {
 template <class T>
 std::vector<T> ByIndex(const zrArrayND<T>& a) {
   std::vector<T> out;
-  zrArray<int> index(a.GetDim());
-  for (int k = 0; k < a.GetDim(); ++k) index[k] = 0;
+  zrArray<int> index(a.GetDim(), 0);
   for (int e = 0; e < a.GetSize(); ++e) {
     out.push_back(a(index));
     for (int k = 0; k < a.GetDim() && ++index[k] == a.Range()[k]; ++k) index[k] = 0;
