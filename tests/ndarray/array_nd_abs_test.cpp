@@ -36,11 +36,9 @@ TEST(ArrayNDAbs, IndexStepsALineAtATime) {
   L carries;
   for (int k = c.Inc(r); k != 0; k = c.Inc(r)) carries.push_back(k);
   EXPECT_EQ(carries, L({1, 2, 1, 2, 1}));
-  EXPECT_EQ(V(c), L({0, 0, 0}));  // back at the start
-  EXPECT_EQ(c.Dec(r), 0);         // wraps to the last line at once
-  EXPECT_EQ(V(c), L({1, 1, 2}));
-  EXPECT_EQ(c.Dec(r), 1);
-  EXPECT_EQ(V(c), L({1, 0, 2}));
+  // Back at the start; Dec wraps to the last line at once.
+  EXPECT_EQ(L({c[0], c[1], c[2], c.Dec(r), c[0], c[1], c[2], c.Dec(r), c[0], c[1], c[2]}),
+            L({0, 0, 0, 0, 1, 1, 2, 1, 1, 0, 2}));
 
   zrArrayND<int> one(I(4));
   Counters single;
@@ -70,10 +68,9 @@ TEST(ArrayNDAbs, GetLineWithinClipsByOutcodes) {
       {INT_MIN, 1, INT_MAX, 2, 1, 0, 1, 3, 2},
   };
   for (const auto& c : clips) {
-    zrArray<int> p1 = I(c[0], c[1]);
-    zrArray<int> p2 = I(c[2], c[3]);
-    const int inside = box.GetLineWithin(p1, p2);
-    EXPECT_EQ(L({inside, p1[0], p1[1], p2[0], p2[1]}), L(c + 4, c + 9)) << c[0] << ' ' << c[1];
+    zrArray<int> p1 = I(c[0], c[1]), p2 = I(c[2], c[3]);
+    EXPECT_EQ(L({box.GetLineWithin(p1, p2), p1[0], p1[1], p2[0], p2[1]}), L(c + 4, c + 9))
+        << c[0] << ' ' << c[1];
   }
   zrArray<int> p2 = I(1, 1), p3 = I(1, 1, 1);
   const std::string two = "Invalid parameters : Dimension must equal 2 in GetLine.";
@@ -112,25 +109,19 @@ TEST(RoundArrayND, StepsRoundAndBack) {
   const zrArray<int> range = I(2, 2), tab = I(1, 2);  // the cursor keeps references to both
   zrRoundArrayND r(range, tab);
   for (int pos = 1; pos <= 3; ++pos) EXPECT_EQ(L({++r, r.GetPos()}), L({1, pos}));
-  EXPECT_EQ(++r, 0);
-  EXPECT_EQ(r.GetPos(), 0);
-  EXPECT_EQ(V(r), L({0, 0}));
-  EXPECT_EQ(--r, 0);  // from the first position: the ToEnd state
-  EXPECT_EQ(V(r), L({2, 2}));
-  EXPECT_EQ(r.GetPos(), 6);
+  // Round to the start, then back from it to the ToEnd state.
+  EXPECT_EQ(L({++r, r.GetPos(), r[0], r[1], --r, r.GetPos(), r[0], r[1]}),
+            L({0, 0, 0, 0, 0, 6, 2, 2}));
 
   zrArray<int> at = I(0, 1);
   r.ToBegin();
   r.SetPos(at);
-  EXPECT_EQ(--r, 1);  // the borrow leaves dimension 0 at its size
-  EXPECT_EQ(V(r), L({2, 0}));
-  EXPECT_EQ(r.GetPos(), 2);
+  EXPECT_EQ(L({--r, r[0], r[1], r.GetPos()}), L({1, 2, 0, 2}));  // the borrow leaves 0 at its size
 
   zrArray<int> one = I(1, 1);
   zrRoundArrayND fresh(range, tab);
   fresh.SetPos(one);
-  fresh.SetPos(one);  // adds, does not assign
-  EXPECT_EQ(fresh.GetPos(), 6);
+  fresh.SetPos(one);  // adds, does not assign; a refusal leaves the position
   for (zrArray<int> bad : {I(-1, 0), I(0, 2)})
     EXPECT_EQ(BadParametersText([&] { fresh.SetPos(bad); }), out);
   EXPECT_EQ(fresh.GetPos(), 6);

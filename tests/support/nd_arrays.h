@@ -29,8 +29,7 @@ std::vector<T> Walk(const zrArrayND<T>& a) {
 template <class T>
 std::vector<T> ByIndex(const zrArrayND<T>& a) {
   std::vector<T> out;
-  zrArray<int> index(a.GetDim());
-  for (int k = 0; k < a.GetDim(); ++k) index[k] = 0;
+  zrArray<int> index(a.GetDim(), 0);
   for (int e = 0; e < a.GetSize(); ++e) {
     out.push_back(a(index));
     for (int k = 0; k < a.GetDim() && ++index[k] == a.Range()[k]; ++k) index[k] = 0;
@@ -48,11 +47,12 @@ zrArrayND<T> Counting(const zrArray<int>& range, int first = 1, int period = 1 <
   return a;
 }
 
-// Changes a view by steps, left to right: "fK" flips axis K, "sKL" exchanges axes K and L,
-// "rKL" turns axes K and L, "tKV" gives axis K the step V (a digit), "wK" drops the first
-// and last index of axis K.
+// Makes view a view of base, changed by steps, left to right: "fK" flips axis K, "sKL"
+// exchanges axes K and L, "rKL" turns axes K and L, "tKV" gives axis K the step V (a digit),
+// "wK" drops the first and last index of axis K.
 template <class T>
-void Steps(zrArrayND<T>& view, const std::string& steps) {
+void ViewOf(zrArrayND<T>& view, const zrArrayND<T>& base, const std::string& steps) {
+  view.Set(base);
   std::istringstream in(steps);
   for (std::string s; in >> s;) {
     const int k = s[1] - '0';
@@ -65,13 +65,6 @@ void Steps(zrArrayND<T>& view, const std::string& steps) {
     if (s[0] == 'w') range[k] -= 2;
     if (s[0] == 't' || s[0] == 'w') view.Set(view, s[0] == 'w' ? tab[k] : 0, range, tab);
   }
-}
-
-// Makes view a view of base, changed by the steps.
-template <class T>
-void ViewOf(zrArrayND<T>& view, const zrArrayND<T>& base, const std::string& steps) {
-  view.Set(base);
-  Steps(view, steps);
 }
 
 }  // namespace zr_test
