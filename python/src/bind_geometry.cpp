@@ -1,0 +1,7 @@
+#include "python/src/bindings.h"
+
+namespace zr::python {
+
+void BindGeometry(pybind11::module_&) {}
+
+}  // namespace zr::python
