@@ -73,6 +73,11 @@ counter-clockwise (positive signed area), 1 anything else.
       .def_property_readonly("points", &ContourView,
                              "The points, an N x 2 array over the contour's storage.")
       .def("__len__", &C::Len)
+      .def_property_readonly(
+          "holder_count", [](const C& c) { return c.GetNumOfRef(); },
+          "The other holders of the points' block (0 while the contour holds it alone); each\n"
+          "live array over the points is one.\n\n"
+          ">>> c = zr.Contour([[0, 0], [1, 0], [0, 1]]); v = c.points; c.holder_count\n1\n")
       .def("perimeter", &C::GetLengthOfCurve, "The length of the closed polyline.")
       .def("area", &C::GetS, "The enclosed area, |signed area|.")
       .def("orientation", &C::GetOrient,

@@ -208,6 +208,11 @@ only: from_bytes gives form 'power' about 0.
           "The m-th derivative at x (m = 0: the value); a float or an array.\n\n"
           ">>> zr.Polynomial([1.0, 0.0, 0.0]).derivative(3.0, m=2)\n2.0\n")
       .def("__len__", &P::Len, "The number of coefficients.")
+      .def_property_readonly(
+          "holder_count", [](const P& p) { return p.GetNumOfRef(); },
+          "The other holders of the coefficients' block (0 while the polynomial holds it\n"
+          "alone); each live `coefficients` array is one.\n\n"
+          ">>> p = zr.Polynomial([1.0]); c = p.coefficients; p.holder_count\n1\n")
       .def(
           "__add__",
           [](const P& a, const P& b) {
