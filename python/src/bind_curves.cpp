@@ -210,7 +210,7 @@ The uniform cubic Beta-spline's blending function for a skew and a tension (skew
 tension 0 give the uniform cubic B-spline); the base of the Beta-spline curves and tube.
 
 >>> b = zr.BetaSpline(skew=1.0, tension=0.0)
->>> b.blend(0.0), b.blend(1.0)
+>>> b.blend(0.0), b.blend(-1.0)
 (0.6666666666666666, 0.16666666666666666)
 )doc")
       .def(py::init<double, double>(), py::arg("skew") = 1.0, py::arg("tension") = 0.0)
@@ -220,7 +220,10 @@ tension 0 give the uniform cubic B-spline); the base of the Beta-spline curves a
       .def("blend_derivative", &BetaSpline::BetaBlendDeriv, py::arg("t"),
            "The library's derivative of B (positive on (1, 2], as the library has it).");
 
-  py::class_<BetaCurve, BetaSpline>(m, "BetaCurve", R"doc(
+  // BetaCurve has virtual operations and its base has none, so the base part does not start
+  // at the object's address: pybind11 must apply the cast, which it skips for what it
+  // takes as simple single inheritance unless told otherwise.
+  py::class_<BetaCurve, BetaSpline>(m, "BetaCurve", py::multiple_inheritance(), R"doc(
 An open space curve through n points: it passes through point j at t = j / (n - 1).
 Built from an N x 3 array (N x 2 lies at z = 0), with a skew and a tension. Calling it
 at t gives a Vec3, at an array of t an N x 3 array; vertices(n) samples it evenly.
@@ -270,7 +273,7 @@ at t gives a Vec3, at an array of t an N x 3 array; vertices(n) samples it evenl
         return "<zr.BetaCurve of " + std::to_string(c.GetControlNumber()) + " points>";
       });
 
-  py::class_<BetaContour, BetaCurve>(m, "BetaContour", R"doc(
+  py::class_<BetaContour, BetaCurve>(m, "BetaContour", py::multiple_inheritance(), R"doc(
 A closed space curve through n points: point j at t = j / n, back to point 0 at t = 1.
 vertices(n) gives n points at t = i / n (the ring, without repeating the first).
 
