@@ -129,3 +129,20 @@ def test_tube_mesh_and_errors():
     with pytest.raises(ValueError) as info:
         zr.BetaTube.from_contours(rings, [0.0, 1.0])
     assert str(info.value) == PREFIX + "BetaTube: number of heights must equal number of contours."
+
+
+def test_plot_example_writes_its_own_svg(tmp_path):
+    import os
+    import subprocess
+    import sys
+    import xml.etree.ElementTree as ET
+
+    script = os.path.join(os.path.dirname(__file__), "..", "..", "examples", "python",
+                          "plot_spline_contour.py")
+    run = subprocess.run([sys.executable, script, "--svg", "--out", str(tmp_path)],
+                         capture_output=True, text=True, env=dict(os.environ), check=True)
+    path = tmp_path / "spline_contour.svg"
+    assert run.stdout.strip() == str(path)
+    root = ET.parse(path).getroot()
+    tags = [e.tag.split("}")[1] for e in root]
+    assert tags.count("polygon") == 2 and tags.count("circle") == 6 and "polyline" in tags
