@@ -10,6 +10,7 @@
 #include <pybind11/stl.h>
 
 #include <cmath>
+#include <cstdint>
 #include <string>
 #include <vector>
 
@@ -51,7 +52,7 @@ void BindContour(py::module_& m) {
   py::class_<C> contour(m, "Contour", py::buffer_protocol(), R"doc(
 A closed plane polygon: its last point joins the first.
 
-Contour(points) copies an N x 2 array of points. `points` (and np.asarray(contour)) is an
+Contour(points) copies an N x 2 array of points (any layout or dtype). `points` (and np.asarray(contour)) is an
 N x 2 array over the contour's own storage, without copying: writes through it change
 the contour, and the contour's in-place reorderings show in it. Orientation 0 is
 counter-clockwise (positive signed area), 1 anything else.

@@ -264,8 +264,9 @@ Spline(x, y, bc='natural') is the cubic spline with the named end condition:
                order 1 for a slope and 2 for a second derivative.
 The named cubic conditions require strictly increasing x. The spline copies the points:
 nothing is shared with the arrays given. Evaluating an ndarray is one call into the
-library over the whole array (without the GIL) into a new array; x outside [x[0], x[-1]]
-raises ValueError.
+library over the whole array (without the GIL) into a new array of its shape; an x that is
+not a C-contiguous float64 array (a strided view, ints, a list) is first copied into one.
+x outside [x[0], x[-1]] raises ValueError.
 
 >>> s = zr.Spline([0.0, 1.0, 2.0], [0.0, 1.0, 0.0])
 >>> s(0.5), s(np.array([0.5, 1.5]))
