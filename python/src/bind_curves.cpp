@@ -15,6 +15,7 @@
 #include <vector>
 
 #include "python/src/bindings.h"
+#include "python/src/ndarray_view.h"
 #include "python/src/points.h"
 #include "zr/zr.h"
 
@@ -75,10 +76,10 @@ counter-clockwise (positive signed area), 1 anything else.
                              "The points, an N x 2 array over the contour's storage.")
       .def("__len__", &C::Len)
       .def_property_readonly(
-          "holder_count", [](const C& c) { return c.GetNumOfRef(); },
-          "The other holders of the points' block (0 while the contour holds it alone); each\n"
-          "live array over the points is one.\n\n"
-          ">>> c = zr.Contour([[0, 0], [1, 0], [0, 1]]); v = c.points; c.holder_count\n1\n")
+          "holders", [](const C& c) { return Holders(c); },
+          "The number of holders of the points' block: the contour and each live array over\n"
+          "the points.\n\n"
+          ">>> c = zr.Contour([[0, 0], [1, 0], [0, 1]]); v = c.points; c.holders\n2\n")
       .def("perimeter", &C::GetLengthOfCurve, "The length of the closed polyline.")
       .def("area", &C::GetS, "The enclosed area, |signed area|.")
       .def("orientation", &C::GetOrient,

@@ -15,6 +15,7 @@
 #include <utility>
 
 #include "python/src/bindings.h"
+#include "python/src/ndarray_view.h"
 #include "python/src/points.h"
 #include "zr/zr.h"
 
@@ -209,10 +210,10 @@ only: from_bytes gives form 'power' about 0.
           ">>> zr.Polynomial([1.0, 0.0, 0.0]).derivative(3.0, m=2)\n2.0\n")
       .def("__len__", &P::Len, "The number of coefficients.")
       .def_property_readonly(
-          "holder_count", [](const P& p) { return p.GetNumOfRef(); },
-          "The other holders of the coefficients' block (0 while the polynomial holds it\n"
-          "alone); each live `coefficients` array is one.\n\n"
-          ">>> p = zr.Polynomial([1.0]); c = p.coefficients; p.holder_count\n1\n")
+          "holders", [](const P& p) { return Holders(p); },
+          "The number of holders of the coefficients' block: the polynomial and each live\n"
+          "`coefficients` array.\n\n"
+          ">>> p = zr.Polynomial([1.0]); c = p.coefficients; p.holders\n2\n")
       .def(
           "__add__",
           [](const P& a, const P& b) {

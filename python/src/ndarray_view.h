@@ -24,6 +24,7 @@
 #include <string>
 #include <vector>
 
+#include "python/src/flat_form.h"
 #include "zr/zr.h"
 
 namespace zr::python {
@@ -157,22 +158,6 @@ inline std::string Repr(const char* name, const py::array& a) {
     return std::string(name) + "(shape=" + py::repr(shape).cast<std::string>() + ")";
   }
   return std::string(name) + "(" + py::repr(a.attr("tolist")()).cast<std::string>() + ")";
-}
-
-// The library's flat form.
-template <class Z>
-py::bytes ToBytes(const Z& z) {
-  std::string s(static_cast<std::size_t>(zrMemSize(z)), '\0');
-  zrToMem(reinterpret_cast<unsigned char*>(s.data()), z);
-  return py::bytes(s);
-}
-
-// Reads the flat form with the checked reader: a malformed or short form is refused
-// with the library's text and nothing is made.
-template <class Z>
-void FromBytes(const py::bytes& b, Z& z) {
-  const std::string s = b;
-  zrFromMem(reinterpret_cast<const unsigned char*>(s.data()), s.size(), z);
 }
 
 }  // namespace zr::python

@@ -10,6 +10,7 @@
 #include <string>
 #include <vector>
 
+#include "python/src/flat_form.h"
 #include "zr/zr.h"
 
 namespace zr::python {
@@ -101,44 +102,6 @@ py::object ScalarOrArray(py::handle x, One one, Many many) {
   py::array_t<double> out(std::vector<py::ssize_t>(in.shape(), in.shape() + in.ndim()));
   many(in.data(), in.size(), out.mutable_data());
   return std::move(out);
-}
-
-// The library's flat form of an object as bytes, and an object read back from bytes by
-// the checked reader (a short or malformed buffer is a ValueError with the library's
-// text, and nothing is read).
-template <class T>
-py::bytes ToBytes(const T& object) {
-  std::string buffer(static_cast<std::size_t>(zrMemSize(object)), '\0');
-  zrToMem(reinterpret_cast<unsigned char*>(buffer.data()), object);
-  return py::bytes(buffer);
-}
-template <class T>
-T FromBytes(const py::bytes& b, T object = T()) {
-  char* data = nullptr;
-  Py_ssize_t size = 0;
-  if (PyBytes_AsStringAndSize(b.ptr(), &data, &size) != 0) throw py::error_already_set();
-  zrFromMem(reinterpret_cast<const unsigned char*>(data), static_cast<std::size_t>(size), object);
-  return object;
-}
-
-// Adds to_bytes() and the classmethod from_bytes(data) to a bound class; example is an
-// expression of the class, for the docstrings' round trip.
-template <class T, class Class>
-void DefFlatForm(Class& cls, const std::string& example) {
-  const std::string name = py::cast<std::string>(cls.attr("__name__"));
-  cls.def(
-      "to_bytes", [](const T& self) { return ToBytes(self); },
-      ("The library's flat byte form of this object, exactly the bytes the library writes.\n\n"
-       ">>> len(" +
-       example + ".to_bytes()) > 0\nTrue\n")
-          .c_str());
-  cls.def_static(
-      "from_bytes", [](const py::bytes& data) { return FromBytes<T>(data); }, py::arg("data"),
-      ("An object read from the library's flat byte form. A short or malformed buffer\n"
-       "raises ValueError and reads nothing.\n\n"
-       ">>> x = " +
-       example + "\n>>> repr(zr." + name + ".from_bytes(x.to_bytes())) == repr(x)\nTrue\n")
-          .c_str());
 }
 
 }  // namespace zr::python

@@ -13,10 +13,10 @@ SQUARE = [[0, 0], [1, 0], [1, 1], [0, 1]]
 
 def test_contour_points_are_views_of_its_block():
     c = zr.Contour(np.array(SQUARE, dtype=float))
-    assert c.holder_count == 0
+    assert c.holders == 1
     pts, buf = c.points, np.asarray(c)
     assert pts.shape == (4, 2) and pts.strides == (16, 8) and np.shares_memory(pts, buf)
-    assert c.holder_count == 1  # the buffer view holds the contour object, not the block
+    assert c.holders == 2  # the buffer view holds the contour object, not the block
     buf[1, 0] = 3.0  # writes through either side reach the contour
     assert c.area() == 2.0 and pts[1, 0] == 3.0
     c.set_orientation(1)  # reversed in place: the views see the new order

@@ -1,9 +1,4 @@
-"""The tokenizer and the scanner over str and bytes, and every docstring example of the
-module run as a doctest."""
-import doctest
-import inspect
-
-import numpy as np
+"""The tokenizer and the scanner over str and bytes."""
 import pytest
 
 import zr
@@ -37,34 +32,3 @@ def test_scan_follows_the_grammar():
     assert str(info.value) == "Invalid parameters : syntax error : expected '\"'"
     with pytest.raises(ValueError, match="ASCII"):
         zr.scan("é")
-
-
-def _docstrings():
-    """Every docstring of the module's functions, classes and their members."""
-    seen = set()
-    for name, obj in vars(zr).items():
-        if name.startswith("__"):
-            continue
-        yield "zr." + name, obj.__doc__
-        if inspect.isclass(obj):
-            for member, value in vars(obj).items():
-                value = getattr(value, "__func__", value)  # static methods
-                doc = getattr(value, "__doc__", None)
-                if member.startswith("__") and member not in ("__call__", "__add__", "__mul__"):
-                    continue
-                if doc and id(value) not in seen:
-                    seen.add(id(value))
-                    yield "zr.%s.%s" % (name, member), doc
-
-
-def test_docstring_examples():
-    parser, runner = doctest.DocTestParser(), doctest.DocTestRunner(optionflags=doctest.ELLIPSIS)
-    examples = 0
-    for name, doc in _docstrings():
-        if not doc or ">>>" not in doc:
-            continue
-        test = parser.get_doctest(doc, {"zr": zr, "np": np}, name, None, 0)
-        examples += len(test.examples)
-        runner.run(test)
-    result = runner.summarize(verbose=False)
-    assert examples > 50 and result.failed == 0
