@@ -4,8 +4,9 @@
         [--out DIR] [--svg]
 
 With matplotlib installed the picture is drawn with it into DIR/spline_contour.png;
-otherwise (or with --svg) the script writes DIR/spline_contour.svg as plain SVG text of
-its own. DIR defaults to the current directory.
+otherwise (or with --svg) the script writes two SVG files: DIR/spline.svg, zr-interp's
+own plot of the spline (Spline.svg), and DIR/contour.svg, the contour before and after
+the cut as plain SVG text of its own. DIR defaults to the current directory.
 """
 import argparse
 import os
@@ -30,6 +31,7 @@ def figures():
     line = zr.Line2D((0.2, -2.0), (0.8, 2.0))
     kept = star.cut(line)
     return {
+        "spline": spline,
         "nodes": np.column_stack([x, y]),
         "curve": curve,
         "star": star.points.copy(),
@@ -58,43 +60,30 @@ def plot_matplotlib(f, path):
     return path
 
 
-def plot_svg(f, path):
-    """Two panels of plain SVG, each mapping its data box onto 400 x 300 pixels."""
+def plot_svg(f, out):
+    """zr-interp's plot of the spline, and the contour on 400 x 300 pixels of plain SVG."""
+    spline_path, contour_path = os.path.join(out, "spline.svg"), os.path.join(out, "contour.svg")
+    with open(spline_path, "w") as svg:
+        svg.write(f["spline"].svg(title="natural cubic spline through %d points"
+                                  % len(f["nodes"])))
+    lo, hi = np.vstack([f["star"], f["line"]]).min(0), np.vstack([f["star"], f["line"]]).max(0)
+    scale = min(360 / (hi[0] - lo[0]), 260 / (hi[1] - lo[1]))
 
-    def panel(shapes, x0, box):
-        lo, hi = box
-        scale = min(360 / (hi[0] - lo[0]), 260 / (hi[1] - lo[1]))
+    def pts(a):
+        return " ".join("%.2f,%.2f" % (20 + (p[0] - lo[0]) * scale, 280 - (p[1] - lo[1]) * scale)
+                        for p in a)
 
-        def pts(a):
-            return " ".join("%.2f,%.2f" % (x0 + 20 + (p[0] - lo[0]) * scale,
-                                           280 - (p[1] - lo[1]) * scale) for p in a)
-
-        out = ['<rect x="%d" y="0" width="400" height="300" fill="white" stroke="#ccc"/>' % x0]
+    shapes = [("polygon", f["star"], 'fill="steelblue" fill-opacity="0.2" stroke="steelblue"'),
+              ("polygon", f["kept"], 'fill="steelblue" fill-opacity="0.6" stroke="navy"'),
+              ("polyline", f["line"], 'fill="none" stroke="black" stroke-dasharray="4 3"')]
+    with open(contour_path, "w") as svg:
+        svg.write('<svg xmlns="http://www.w3.org/2000/svg" width="400" height="300">\n')
+        svg.write("<title>contour area %.3f, after the cut %.3f</title>\n" % f["areas"])
+        svg.write('<rect width="400" height="300" fill="white"/>\n')
         for kind, a, style in shapes:
-            if kind == "dots":
-                for p in pts(a).split():
-                    cx, cy = p.split(",")
-                    out.append('<circle cx="%s" cy="%s" r="3" %s/>' % (cx, cy, style))
-            else:
-                out.append('<%s points="%s" %s/>' % (kind, pts(a), style))
-        return out
-
-    everything = np.vstack([f["nodes"], f["curve"]])
-    left = panel([("polyline", f["curve"], 'fill="none" stroke="steelblue" stroke-width="2"'),
-                  ("dots", f["nodes"], 'fill="darkorange"')], 0,
-                 (everything.min(0), everything.max(0)))
-    shapes = np.vstack([f["star"], f["line"]])
-    right = panel([("polygon", f["star"], 'fill="steelblue" fill-opacity="0.2" stroke="steelblue"'),
-                   ("polygon", f["kept"], 'fill="steelblue" fill-opacity="0.6" stroke="navy"'),
-                   ("polyline", f["line"], 'fill="none" stroke="black" stroke-dasharray="4 3"')],
-                  400, (shapes.min(0), shapes.max(0)))
-    title = "spline through %d points; contour area %.3f, after the cut %.3f" % (
-        len(f["nodes"]), f["areas"][0], f["areas"][1])
-    with open(path, "w") as out:
-        out.write('<svg xmlns="http://www.w3.org/2000/svg" width="800" height="300">\n')
-        out.write("<title>%s</title>\n" % title)
-        out.write("\n".join(left + right) + "\n</svg>\n")
-    return path
+            svg.write('<%s points="%s" %s/>\n' % (kind, pts(a), style))
+        svg.write("</svg>\n")
+    return spline_path + "\n" + contour_path
 
 
 def main(argv=None):
@@ -110,7 +99,7 @@ def main(argv=None):
         except ImportError:
             pass
     if path is None:
-        path = plot_svg(f, os.path.join(args.out, "spline_contour.svg"))
+        path = plot_svg(f, args.out)
     print(path)
 
 

@@ -131,7 +131,7 @@ def test_tube_mesh_and_errors():
     assert str(info.value) == PREFIX + "BetaTube: number of heights must equal number of contours."
 
 
-def test_plot_example_writes_its_own_svg(tmp_path):
+def test_plot_example_writes_svg_without_matplotlib(tmp_path):
     import os
     import subprocess
     import sys
@@ -141,8 +141,10 @@ def test_plot_example_writes_its_own_svg(tmp_path):
                           "plot_spline_contour.py")
     run = subprocess.run([sys.executable, script, "--svg", "--out", str(tmp_path)],
                          capture_output=True, text=True, env=dict(os.environ), check=True)
-    path = tmp_path / "spline_contour.svg"
-    assert run.stdout.strip() == str(path)
-    root = ET.parse(path).getroot()
-    tags = [e.tag.split("}")[1] for e in root]
-    assert tags.count("polygon") == 2 and tags.count("circle") == 6 and "polyline" in tags
+    spline, contour = tmp_path / "spline.svg", tmp_path / "contour.svg"
+    assert run.stdout.split() == [str(spline), str(contour)]
+    tags = [e.tag.split("}")[1] for e in ET.parse(contour).getroot()]
+    assert tags.count("polygon") == 2 and "polyline" in tags
+    plot = spline.read_text()  # zr-interp's plot: its mapping comment, one marker per point
+    points = plot.split('<g class="points"')[1].split("</g>")[0]
+    assert "<!-- zr-interp plot: x " in plot and points.count("<circle") == 6
