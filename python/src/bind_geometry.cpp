@@ -99,6 +99,36 @@ std::string Repr(const T3& t) {
   return out + "], shift=(" + Num(s.X()) + ", " + Num(s.Y()) + ", " + Num(s.Z()) + "))";
 }
 
+// What Vec2 and Vec3 share: the buffer over the coordinates, componentwise arithmetic with
+// a vector or a float, equality, the sequence protocol and the repr.
+template <class V, int N>
+void DefVectorCommon(py::class_<V>& cls) {
+  cls.def_buffer([](V& v) {
+       return py::buffer_info(v.GetVec(), sizeof(double), py::format_descriptor<double>::format(),
+                              1, {N}, {sizeof(double)});
+     })
+      .def(py::self + py::self)
+      .def(py::self - py::self)
+      .def(py::self * py::self)
+      .def(py::self / py::self)
+      .def(py::self + double())
+      .def(py::self - double())
+      .def(py::self * double())
+      .def(py::self / double())
+      .def(-py::self)
+      .def("__eq__", [](const V& a, const V& b) { return a == b; })
+      .def("__ne__", [](const V& a, const V& b) { return a != b; })
+      .def("__len__", [](const V&) { return N; })
+      .def("__getitem__", &At<V, N>)
+      .def("__iter__",
+           [](const V& v) {
+             py::tuple t(N);
+             for (int k = 0; k < N; ++k) t[k] = v[k];
+             return py::iter(t);
+           })
+      .def("__repr__", [](const V& v) { return Repr(v); });
+}
+
 void BindVectors(py::module_& m) {
   py::class_<zrVec2> v2(m, "Vec2", py::buffer_protocol(), R"doc(
 A point or vector of the plane, a plain value of two floats (x, y).
@@ -116,29 +146,11 @@ coordinates without copying.
           "x", [](const zrVec2& v) { return v.X(); }, [](zrVec2& v, double x) { v.X() = x; })
       .def_property(
           "y", [](const zrVec2& v) { return v.Y(); }, [](zrVec2& v, double y) { v.Y() = y; })
-      .def_buffer([](zrVec2& v) {
-        return py::buffer_info(v.GetVec(), sizeof(double), py::format_descriptor<double>::format(),
-                               1, {2}, {sizeof(double)});
-      })
-      .def(py::self + py::self)
-      .def(py::self - py::self)
-      .def(py::self * py::self)
-      .def(py::self / py::self)
-      .def(py::self + double())
-      .def(py::self - double())
-      .def(py::self * double())
-      .def(py::self / double())
-      .def(-py::self)
-      .def("__eq__", [](const zrVec2& a, const zrVec2& b) { return a == b; })
-      .def("__ne__", [](const zrVec2& a, const zrVec2& b) { return a != b; })
       .def(
           "dot", [](const zrVec2& a, const zrVec2& b) { return a.ScalarMul(b); }, py::arg("other"),
           "x*other.x + y*other.y.\n\n>>> zr.Vec2(1.0, 2.0).dot(zr.Vec2(3.0, 4.0))\n11.0\n")
-      .def("norm", &zrVec2::Norm, "The length.\n\n>>> zr.Vec2(3.0, 4.0).norm()\n5.0\n")
-      .def("__len__", [](const zrVec2&) { return 2; })
-      .def("__getitem__", &At<zrVec2, 2>)
-      .def("__iter__", [](const zrVec2& v) { return py::iter(py::make_tuple(v.X(), v.Y())); })
-      .def("__repr__", [](const zrVec2& v) { return Repr(v); });
+      .def("norm", &zrVec2::Norm, "The length.\n\n>>> zr.Vec2(3.0, 4.0).norm()\n5.0\n");
+  DefVectorCommon<zrVec2, 2>(v2);
   DefFlatForm<zrVec2>(v2, "zr.Vec2(1.0, 2.0)");
 
   py::class_<V3> v3(m, "Vec3", py::buffer_protocol(), R"doc(
@@ -159,30 +171,12 @@ Vec3(0.0, 0.0, 1.0)
           "y", [](const V3& v) { return v.Y(); }, [](V3& v, double y) { v.Y() = y; })
       .def_property(
           "z", [](const V3& v) { return v.Z(); }, [](V3& v, double z) { v.Z() = z; })
-      .def_buffer([](V3& v) {
-        return py::buffer_info(v.GetVec(), sizeof(double), py::format_descriptor<double>::format(),
-                               1, {3}, {sizeof(double)});
-      })
-      .def(py::self + py::self)
-      .def(py::self - py::self)
-      .def(py::self * py::self)
-      .def(py::self / py::self)
-      .def(py::self + double())
-      .def(py::self - double())
-      .def(py::self * double())
-      .def(py::self / double())
-      .def(-py::self)
-      .def("__eq__", [](const V3& a, const V3& b) { return a == b; })
-      .def("__ne__", [](const V3& a, const V3& b) { return a != b; })
       .def(
           "dot", [](const V3& a, const V3& b) { return a.ScalarMul(b); }, py::arg("other"),
           "The scalar product.\n\n>>> zr.Vec3(1.0, 2.0, 3.0).dot(zr.Vec3(1.0, 1.0, 1.0))\n6.0\n")
       .def("cross", &V3::VectorMul, py::arg("other"), "The vector product self x other.")
-      .def("norm", &V3::Norm, "The length.\n\n>>> zr.Vec3(2.0, 3.0, 6.0).norm()\n7.0\n")
-      .def("__len__", [](const V3&) { return 3; })
-      .def("__getitem__", &At<V3, 3>)
-      .def("__iter__", [](const V3& v) { return py::iter(py::make_tuple(v.X(), v.Y(), v.Z())); })
-      .def("__repr__", [](const V3& v) { return Repr(v); });
+      .def("norm", &V3::Norm, "The length.\n\n>>> zr.Vec3(2.0, 3.0, 6.0).norm()\n7.0\n");
+  DefVectorCommon<V3, 3>(v3);
   DefFlatForm<V3>(v3, "zr.Vec3(1.0, 2.0, 3.0)");
 
   // Sequences of numbers stand for points wherever a Vec2/Vec3 is expected.
