@@ -1,0 +1,107 @@
+// Plane and space points between Python and the library: one point from a Vec2/Vec3 or
+// any sequence of numbers, point arrays from N x 2 / N x 3 ndarrays, ndarrays that view
+// a library object's points, and the flat byte form of any object with one.
+#pragma once
+
+#include <pybind11/numpy.h>
+#include <pybind11/pybind11.h>
+
+#include <climits>
+#include <string>
+#include <vector>
+
+#include "python/src/flat_form.h"
+#include "zr/zr.h"
+
+namespace zr::python {
+
+namespace py = pybind11;
+
+// A float64 ndarray in C order: a C-contiguous float64 input is taken as it is, anything
+// else (another dtype, a strided view, a list) is copied once into a new array.
+using DoubleArray = py::array_t<double, py::array::c_style | py::array::forcecast>;
+
+// A point from a Vec2 (Vec3) or from any sequence of exactly 2 (3) numbers.
+inline zrVec2 ToVec2(py::handle h) {
+  if (py::isinstance<zrVec2>(h)) return h.cast<zrVec2>();
+  const auto a = py::cast<DoubleArray>(h);
+  if (a.ndim() != 1 || a.shape(0) != 2) throw py::value_error("a plane point has 2 coordinates");
+  return zrVec2(a.at(0), a.at(1));
+}
+inline zrTVec3<double> ToVec3(py::handle h) {
+  if (py::isinstance<zrTVec3<double>>(h)) return h.cast<zrTVec3<double>>();
+  const auto a = py::cast<DoubleArray>(h);
+  if (a.ndim() != 1 || a.shape(0) != 3) throw py::value_error("a space point has 3 coordinates");
+  return zrTVec3<double>(a.at(0), a.at(1), a.at(2));
+}
+
+// The row count of an N x dim array, refused when it is not one or does not fit an int.
+inline int PointRows(const DoubleArray& a, int dim) {
+  if (a.ndim() != 2 || a.shape(1) != dim)
+    throw py::value_error("expected an N x " + std::to_string(dim) + " array of points");
+  if (a.shape(0) > INT_MAX) throw py::value_error("too many points");
+  return static_cast<int>(a.shape(0));
+}
+
+// The rows of an N x 2 array copied into an array of plane points (contours, curves).
+template <class Points>
+Points ReadPoints2(py::handle h) {
+  const auto a = py::cast<DoubleArray>(h);
+  const int n = PointRows(a, 2);
+  Points out;
+  if (n > 0) out.Set(n);
+  const double* p = a.data();
+  for (int i = 0; i < n; ++i) out[i] = zrVec2(p[2 * i], p[2 * i + 1]);
+  return out;
+}
+
+// The rows of an N x 3 array (or N x 2, at z = 0) copied into a vector of space points.
+inline zrVector<zrTVec3<double>> ReadPoints3(py::handle h) {
+  const auto a = py::cast<DoubleArray>(h);
+  const int dim = a.ndim() == 2 && a.shape(1) == 2 ? 2 : 3;
+  const int n = PointRows(a, dim);
+  zrVector<zrTVec3<double>> out(n);
+  const double* p = a.data();
+  for (int i = 0; i < n; ++i)
+    out[i] = zrTVec3<double>(p[dim * i], p[dim * i + 1], dim == 3 ? p[dim * i + 2] : 0.0);
+  return out;
+}
+
+// An N x 2 ndarray over n contiguous plane points, owning nothing: base keeps the
+// memory alive (the Python object that holds it). Writes through it reach the points.
+inline py::array ViewPoints2(zrVec2* points, int n, py::handle base) {
+  static_assert(sizeof(zrVec2) == 2 * sizeof(double));
+  if (n == 0) return py::array_t<double>(std::vector<py::ssize_t>{0, 2});
+  return py::array_t<double>(
+      {static_cast<py::ssize_t>(n), py::ssize_t{2}},
+      {static_cast<py::ssize_t>(sizeof(zrVec2)), static_cast<py::ssize_t>(sizeof(double))},
+      points->GetVec(), base);
+}
+
+// A new N x 3 array of space points.
+template <class Get>
+py::array_t<double> NewPoints3(py::ssize_t n, Get get) {
+  py::array_t<double> out({n, py::ssize_t{3}});
+  double* p = out.mutable_data();
+  for (py::ssize_t i = 0; i < n; ++i) {
+    const zrTVec3<double> v = get(i);
+    p[3 * i] = v.X(), p[3 * i + 1] = v.Y(), p[3 * i + 2] = v.Z();
+  }
+  return out;
+}
+
+// f(x) of a float, or of every element of an array-like into a new float64 array of its
+// shape. many(in, n, out) evaluates n contiguous values; one(x) a single one.
+template <class One, class Many>
+py::object ScalarOrArray(py::handle x, One one, Many many) {
+  if (PyFloat_Check(x.ptr()) || PyLong_Check(x.ptr()) ||
+      (!py::isinstance<py::array>(x) && py::hasattr(x, "__float__") && !PySequence_Check(x.ptr())))
+    return py::float_(one(py::cast<double>(x)));
+  const auto in = py::cast<DoubleArray>(x);
+  if (in.ndim() == 0) return py::float_(one(*in.data()));
+  py::array_t<double> out(std::vector<py::ssize_t>(in.shape(), in.shape() + in.ndim()));
+  many(in.data(), in.size(), out.mutable_data());
+  return std::move(out);
+}
+
+}  // namespace zr::python
