@@ -19,18 +19,6 @@ namespace {
 using Array = Held<zrArray<double>>;
 using ArrayND = Held<zrArrayND<double>>;
 
-int Count(py::ssize_t n) {
-  if (n > INT32_MAX) throw py::value_error("more elements than 32 bits count");
-  return static_cast<int>(n);
-}
-
-// A Python index (negative ones from the end) checked against n.
-int Wrap(py::ssize_t i, int n) {
-  if (i < 0) i += n;
-  if (i < 0 || i >= n) throw py::index_error("index out of range");
-  return static_cast<int>(i);
-}
-
 Layout ArrayLayout(const Array& h) { return {h.value.GetPointer(), {h.value.Len()}, {1}}; }
 
 Layout NDLayout(const ArrayND& h) {
@@ -94,6 +82,8 @@ zrArray<int> Index(const ArrayND& h, py::handle key) {
   for (std::size_t k = 0; k < t.size(); ++k) {
     py::ssize_t i = t[k].cast<py::ssize_t>();
     if (i < 0 && static_cast<int>(k) < h.value.GetDim()) i += h.value.Range()[k];
+    // No element lies beyond 32 bits: such an index is refused, never cut to one that fits.
+    if (i < INT32_MIN || i > INT32_MAX) throw py::index_error("index out of range");
     index.push_back(static_cast<int>(i));
   }
   return index;
@@ -107,13 +97,6 @@ double& At(const ArrayND& h, py::handle key) {
   } catch (const BadParameters& e) {
     throw py::index_error(e.GetMessageText());
   }
-}
-
-template <class H>
-std::unique_ptr<H> FromBytesOf(const py::bytes& b) {
-  auto h = std::make_unique<H>();
-  FromBytes(b, h->value);
-  return h;
 }
 
 void BindArray(py::module_& m) {
@@ -182,7 +165,8 @@ The library's flat form: the length as a 32-bit integer, then the elements.
 '01000000000000000000f03f'
 )doc")
       .def_static("from_bytes", &FromBytesOf<Array>, py::arg("data"), R"doc(
-The array of a flat form; a short or malformed form raises ValueError.
+The array of a flat form; a short or malformed form, or bytes after
+it, raise ValueError.
 
 >>> zr.Array.from_bytes(zr.Array([1.0, 2.0]).to_bytes())
 Array([1.0, 2.0])
@@ -279,8 +263,8 @@ A view with axes a and b exchanged (sizes and steps).
             // further into the block, and cannot check a view of outside memory at all).
             bool inside = static_cast<int>(start.size()) == dim && shape.size() == start.size();
             for (std::size_t k = 0; inside && k < start.size(); ++k) {
-              inside = start[k] >= 0 && shape[k] >= 0 &&
-                       start[k] + shape[k] <= h.value.Range()[static_cast<int>(k)];
+              const py::ssize_t n = h.value.Range()[static_cast<int>(k)];
+              inside = start[k] >= 0 && shape[k] >= 0 && start[k] <= n && shape[k] <= n - start[k];
             }
             if (!inside) throw py::value_error("ArrayND.window: the window leaves the array");
             auto r = std::make_unique<ArrayND>();
@@ -318,7 +302,8 @@ storage order (axis 0 fastest). Steps are not written: it reads back dense.
 '020000000100000001000000000000000000f03f'
 )doc")
       .def_static("from_bytes", &FromBytesOf<ArrayND>, py::arg("data"), R"doc(
-The dense array of a flat form; a short or malformed form raises ValueError.
+The dense array of a flat form; a short or malformed form, or bytes after
+it, raise ValueError.
 
 >>> b = zr.ArrayND([[1.0, 2.0], [3.0, 4.0]]).flip(1).to_bytes()
 >>> zr.ArrayND.from_bytes(b)

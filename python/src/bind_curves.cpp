@@ -34,6 +34,13 @@ py::array ContourView(const C& c) {
   return ViewPoints2(holder->GetPointer(), holder->Len(), base);
 }
 
+// The contour, refused when it has no points: the library's centre, bounding rectangle and
+// distance queries read point 0 without checking that there is one.
+const C& NonEmpty(const C& c) {
+  if (c.Len() == 0) throw py::value_error("the contour has no points");
+  return c;
+}
+
 std::string Num(double v) { return py::repr(py::float_(v)).cast<std::string>(); }
 
 std::string ContourRepr(const C& c) {
@@ -64,14 +71,8 @@ counter-clockwise (positive signed area), 1 anything else.
 >>> square.inside((1.0, 1.0)), square.inside((2.0, 1.0)), square.inside((3.0, 1.0))
 (1, 0, -1)
 )doc");
+  EnableViewBuffer<C, ContourView>(contour);
   contour.def(py::init([](py::handle points) { return ReadPoints2<C>(points); }), py::arg("points"))
-      .def_buffer([](C& c) {
-        return py::buffer_info(
-            c.Len() ? c.GetPointer()->GetVec() : nullptr, sizeof(double),
-            py::format_descriptor<double>::format(), 2,
-            {static_cast<py::ssize_t>(c.Len()), py::ssize_t{2}},
-            {static_cast<py::ssize_t>(sizeof(zrVec2)), static_cast<py::ssize_t>(sizeof(double))});
-      })
       .def_property_readonly("points", &ContourView,
                              "The points, an N x 2 array over the contour's storage.")
       .def("__len__", &C::Len)
@@ -89,20 +90,7 @@ counter-clockwise (positive signed area), 1 anything else.
            ">>> c = zr.Contour([[0, 0], [0, 1], [1, 0]]); c.set_orientation(0); c.orientation()\n"
            "0\n")
       .def(
-          "__call__",
-          [](const C& c, py::handle t) -> py::object {
-            if (!py::isinstance<py::array>(t) && !PySequence_Check(t.ptr()))
-              return py::cast(c(py::cast<double>(t)));
-            const auto ts = py::cast<DoubleArray>(t);
-            py::array_t<double> out({static_cast<py::ssize_t>(ts.size()), py::ssize_t{2}});
-            double* o = out.mutable_data();
-            for (py::ssize_t i = 0; i < ts.size(); ++i) {
-              const zrVec2 p = c(ts.data()[i]);
-              o[2 * i] = p.X(), o[2 * i + 1] = p.Y();
-            }
-            return std::move(out);
-          },
-          py::arg("t"),
+          "__call__", [](const C& c, py::handle t) { return CurvePoints<2>(c, t); }, py::arg("t"),
           "The point at parameter t in [0, 1] (each edge takes an equal share; t wraps\n"
           "with period 1): a Vec2, or an N x 2 array for an array of t.\n\n"
           ">>> zr.Contour([[0, 0], [2, 0], [2, 2], [0, 2]])(0.125)\nVec2(1.0, 0.0)\n")
@@ -114,9 +102,10 @@ counter-clockwise (positive signed area), 1 anything else.
           "inside",
           [](const C& c, py::handle p) -> py::object {
             if (!py::isinstance<zrVec2>(p)) {
-              const auto a = py::cast<DoubleArray>(p);
-              if (a.ndim() == 2) {
-                const int n = PointRows(a, 2);
+              const py::array in = AsArray(p);
+              if (in.ndim() == 2) {
+                const auto a = PointArray(in, 2);
+                const int n = static_cast<int>(a.shape(0));
                 py::array_t<int> out(n);
                 for (int i = 0; i < n; ++i)
                   out.mutable_data()[i] =
@@ -165,24 +154,29 @@ contour; at least 3 points are needed.
           py::arg("width"), py::arg("height"),
           "The part inside [0, width - 1] x [0, height - 1], a new contour.\n\n"
           ">>> zr.Contour([[-1, -1], [3, -1], [3, 3], [-1, 3]]).clip(3, 3).area()\n4.0\n")
-      .def("center", &C::GetCenter, "The mean of the points.")
-      .def("bounding_rect", &C::GetRect, "The bounding rectangle.")
+      .def(
+          "center", [](const C& c) { return NonEmpty(c).GetCenter(); },
+          "The mean of the points; ValueError for a contour without points.")
+      .def(
+          "bounding_rect", [](const C& c) { return NonEmpty(c).GetRect(); },
+          "The bounding rectangle; ValueError for a contour without points.")
       .def(
           "nearest",
           [](const C& c, const zrVec2& p) {
             double d = 0;
-            const int i = c.GetIndexOfMinDistance(d, p);
+            const int i = NonEmpty(c).GetIndexOfMinDistance(d, p);
             return py::make_tuple(i, d);
           },
-          py::arg("p"), "(index, distance) of the point nearest to p.")
+          py::arg("p"), "(index, distance) of the point nearest to p; ValueError without points.")
       .def(
           "farthest",
           [](const C& c, const zrVec2& p) {
             double d = 0;
-            const int i = c.GetIndexOfMaxDistance(d, p);
+            const int i = NonEmpty(c).GetIndexOfMaxDistance(d, p);
             return py::make_tuple(i, d);
           },
-          py::arg("p"), "(index, distance) of the point farthest from p.")
+          py::arg("p"),
+          "(index, distance) of the point farthest from p; ValueError without points.")
       .def(
           "copy", [](const C& c) { return C(c); }, "A copy with its own points.")
       .def("__repr__", &ContourRepr);
@@ -192,14 +186,7 @@ contour; at least 3 points are needed.
 // Samples of a curve at t = i / d, i = 0 ... n - 1, as an N x 3 array.
 template <class Curve>
 py::array_t<double> Samples(const Curve& c, int n, double d) {
-  return NewPoints3(n, [&](py::ssize_t i) { return c(static_cast<double>(i) / d); });
-}
-
-py::object CurveAt(const BetaCurve& c, py::handle t) {
-  if (!py::isinstance<py::array>(t) && !PySequence_Check(t.ptr()))
-    return py::cast(c(py::cast<double>(t)));
-  const auto ts = py::cast<DoubleArray>(t);
-  return NewPoints3(ts.size(), [&](py::ssize_t i) { return c(ts.data()[i]); });
+  return NewPoints<3>(n, [&](py::ssize_t i) { return c(static_cast<double>(i) / d); });
 }
 
 void CheckIndex(const BetaCurve& c, int i) {
@@ -238,7 +225,9 @@ at t gives a Vec3, at an array of t an N x 3 array; vertices(n) samples it evenl
              return BetaCurve(ReadPoints3(points), skew, tension);
            }),
            py::arg("points"), py::arg("skew") = 1.0, py::arg("tension") = 0.0)
-      .def("__call__", &CurveAt, py::arg("t"))
+      .def(
+          "__call__", [](const BetaCurve& c, py::handle t) { return CurvePoints<3>(c, t); },
+          py::arg("t"))
       .def("tangent", &BetaCurve::GetTangent, py::arg("t"))
       .def(
           "vertices",
@@ -251,8 +240,8 @@ at t gives a Vec3, at an array of t an N x 3 array; vertices(n) samples it evenl
       .def_property_readonly(
           "controls",
           [](const BetaCurve& c) {
-            return NewPoints3(c.GetControlNumber(),
-                              [&](py::ssize_t i) { return c.GetControl(static_cast<int>(i)); });
+            return NewPoints<3>(c.GetControlNumber(),
+                                [&](py::ssize_t i) { return c.GetControl(static_cast<int>(i)); });
           },
           "The control point of every data point, a new N x 3 array.")
       .def(
@@ -314,9 +303,11 @@ v = j / (nv - 1)) and the triangle array (2 * nu * (nv - 1) x 3 vertex indices).
 ((80, 3), (128, 3), 3, 8)
 )doc")
       .def(py::init([](py::handle net, double skew, double tension) {
-             const auto a = py::cast<DoubleArray>(net);
-             if (a.ndim() != 3 || a.shape(2) != 3 || a.shape(0) > INT_MAX || a.shape(1) > INT_MAX)
+             const py::array in = AsArray(net);
+             if (in.ndim() != 3 || in.shape(2) != 3 || in.shape(0) > INT_MAX ||
+                 in.shape(1) > INT_MAX)
                throw py::value_error("expected an m x k x 3 array of points");
+             const auto a = Doubles(in);
              const int rows = static_cast<int>(a.shape(0)), cols = static_cast<int>(a.shape(1));
              zrMatrix<V3> points(rows, cols);
              for (int i = 0; i < rows; ++i)
@@ -328,7 +319,9 @@ v = j / (nv - 1)) and the triangle array (2 * nu * (nv - 1) x 3 vertex indices).
       .def_static(
           "from_contours",
           [](py::sequence contours, py::handle heights, double skew, double tension) {
-            const auto h = py::cast<DoubleArray>(heights);
+            const auto h = Doubles(heights);
+            if (h.ndim() != 1 || h.size() > INT_MAX)
+              throw py::value_error("heights must be one-dimensional");
             zrSimpleArray<zrSimpleContour2D> sections;
             if (py::len(contours) > 0) sections.Set(static_cast<int>(py::len(contours)));
             for (int i = 0; i < sections.Len(); ++i) {
@@ -369,7 +362,7 @@ v = j / (nv - 1)) and the triangle array (2 * nu * (nv - 1) x 3 vertex indices).
           [](const BetaTube& t, int nu, int nv) {
             if (nu < 3 || nv < 2) throw py::value_error("mesh needs nu >= 3 and nv >= 2");
             const py::ssize_t n = py::ssize_t{nu} * nv;
-            auto vertices = NewPoints3(n, [&](py::ssize_t k) {
+            auto vertices = NewPoints<3>(n, [&](py::ssize_t k) {
               const auto i = static_cast<int>(k % nu), j = static_cast<int>(k / nu);
               return t(static_cast<double>(i) / nu, static_cast<double>(j) / (nv - 1));
             });

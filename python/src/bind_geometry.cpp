@@ -42,7 +42,7 @@ py::object Opt(bool hit, const zrVec2& p) { return hit ? py::cast(p) : py::none(
 
 template <int N, class M>
 M ReadMatrix(py::handle h) {
-  const auto a = py::cast<DoubleArray>(h);
+  const auto a = Doubles(h);
   if (a.ndim() != 2 || a.shape(0) != N || a.shape(1) != N)
     throw py::value_error("expected a " + std::to_string(N) + " x " + std::to_string(N) +
                           " matrix");
@@ -65,9 +65,10 @@ py::array_t<double> MatrixArray(const M& m) {
 template <int Dim, class Vec, class Read, class Map>
 py::object MapPoints(py::handle p, Read read, Map map) {
   if (!py::isinstance<Vec>(p)) {
-    const auto a = py::cast<DoubleArray>(p);
-    if (a.ndim() == 2) {
-      const int n = PointRows(a, Dim);
+    const py::array in = AsArray(p);
+    if (in.ndim() == 2) {
+      const auto a = PointArray(in, Dim);
+      const int n = static_cast<int>(a.shape(0));
       py::array_t<double> out({static_cast<py::ssize_t>(n), py::ssize_t{Dim}});
       const double* in = a.data();
       double* o = out.mutable_data();

@@ -20,23 +20,6 @@ using Vector = Held<zrVector<double>>;
 using Matrix = Held<zrMatrix<double>>;
 using Tridiagonal = Held<zrMatrix3Diag<double>>;
 
-int Count(py::ssize_t n) {
-  if (n > INT32_MAX) throw py::value_error("more elements than 32 bits count");
-  return static_cast<int>(n);
-}
-
-int Step(py::ssize_t s) {
-  if (s < INT32_MIN || s > INT32_MAX) throw py::value_error("a step beyond 32 bits");
-  return static_cast<int>(s);
-}
-
-// A Python index (negative ones from the end) checked against n.
-int Wrap(py::ssize_t i, int n) {
-  if (i < 0) i += n;
-  if (i < 0 || i >= n) throw py::index_error("index out of range");
-  return static_cast<int>(i);
-}
-
 Layout VectorLayout(const Vector& h) {
   return {h.value.GetPointer(), {h.value.Len()}, {h.value.Tab()}};
 }
@@ -112,13 +95,6 @@ std::unique_ptr<Matrix> Take(zrMatrix<double>& m, const py::object& owner = py::
   r->value.Move(m);
   r->owner = owner;
   return r;
-}
-
-template <class H>
-std::unique_ptr<H> FromBytesOf(const py::bytes& b) {
-  auto h = std::make_unique<H>();
-  FromBytes(b, h->value);
-  return h;
 }
 
 void BindVector(py::module_& m) {
@@ -220,7 +196,8 @@ The library's flat form: the length as a 32-bit integer, then the elements packe
 '010000000000000000000040'
 )doc")
       .def_static("from_bytes", &FromBytesOf<Vector>, py::arg("data"), R"doc(
-The vector of a flat form; a short or malformed form raises ValueError.
+The vector of a flat form; a short or malformed form, or bytes after
+it, raise ValueError.
 
 >>> zr.Vector.from_bytes(zr.Vector([1.0, 2.0]).to_bytes())
 Vector([1.0, 2.0])
@@ -445,7 +422,8 @@ row (a transpose is written as the matrix it shows).
 '0100000001000000000000000000f03f'
 )doc")
       .def_static("from_bytes", &FromBytesOf<Matrix>, py::arg("data"), R"doc(
-The matrix of a flat form, stored by rows; a short or malformed form raises ValueError.
+The matrix of a flat form, stored by rows; a short or malformed form, or bytes after
+it, raise ValueError.
 
 >>> zr.Matrix.from_bytes(zr.Matrix([[1.0, 2.0]]).T.to_bytes())
 Matrix([[1.0], [2.0]])
@@ -639,7 +617,8 @@ The library's flat form: up, diag and down one after another, each as a vector's
 44
 )doc")
       .def_static("from_bytes", &FromBytesOf<Tridiagonal>, py::arg("data"), R"doc(
-The matrix of a flat form; a short or malformed form raises ValueError.
+The matrix of a flat form; a short or malformed form, or bytes after
+it, raise ValueError.
 
 >>> zr.Tridiagonal.from_bytes(zr.Tridiagonal([1.0], [2.0, 3.0], [4.0]).to_bytes())
 Tridiagonal(up=[1.0], diag=[2.0, 3.0], down=[4.0])

@@ -39,9 +39,10 @@ const char* FormName(P::KoefType type) {
 }
 
 P MakePolynomial(py::handle coefficients, double x0, const std::string& form) {
-  const auto a = py::cast<DoubleArray>(coefficients);
-  if (a.ndim() != 1) throw py::value_error("coefficients must be one-dimensional");
-  if (a.size() > INT_MAX) throw py::value_error("too many coefficients");
+  const py::array in = AsArray(coefficients);
+  if (in.ndim() != 1) throw py::value_error("coefficients must be one-dimensional");
+  if (in.size() > INT_MAX) throw py::value_error("too many coefficients");
+  const auto a = Doubles(in);
   const int n = static_cast<int>(a.size());
   zrColumnVector<double> koef(n);
   for (int i = 0; i < n; ++i) koef[i] = a.data()[i];
@@ -122,10 +123,18 @@ py::object Evaluate(const Spline& sp, py::handle x, int nu) {
       });
 }
 
+constexpr const char* kBcChoices =
+    "bc must be 'natural', 'clamped', 'periodic', 'linear' or two (order, value) pairs";
+
 // The cubic spline with two end conditions (order, value), order 1 (slope) or 2
 // (curvature), through the library's bit codes.
 void BuildWithConditions(S& s, py::handle bc) {
-  const auto ends = py::cast<std::pair<std::pair<int, double>, std::pair<int, double>>>(bc);
+  std::pair<std::pair<int, double>, std::pair<int, double>> ends;
+  try {
+    ends = py::cast<decltype(ends)>(bc);
+  } catch (const py::cast_error&) {
+    throw py::value_error(kBcChoices);
+  }
   zrSimpleArray<int> codes(2, 0);
   zrMatrix<double> values(2, 2);
   values(0, 0) = values(0, 1) = values(1, 0) = values(1, 1) = 0.0;
@@ -140,9 +149,10 @@ void BuildWithConditions(S& s, py::handle bc) {
 }
 
 Spline MakeSpline(py::handle xs, py::handle ys, py::handle bc, py::handle slopes) {
-  const auto x = py::cast<DoubleArray>(xs), y = py::cast<DoubleArray>(ys);
-  if (x.ndim() != 1 || y.ndim() != 1) throw py::value_error("x and y must be one-dimensional");
-  if (x.size() > INT_MAX || y.size() > INT_MAX) throw py::value_error("too many points");
+  const py::array xin = AsArray(xs), yin = AsArray(ys);
+  if (xin.ndim() != 1 || yin.ndim() != 1) throw py::value_error("x and y must be one-dimensional");
+  if (xin.size() > INT_MAX || yin.size() > INT_MAX) throw py::value_error("too many points");
+  const auto x = Doubles(xin), y = Doubles(yin);
   // Views of the caller's values: the spline copies them into its own records.
   zrSimpleArray<double> xa, ya;
   xa.SetDirectly(const_cast<double*>(x.data()), static_cast<int>(x.size()));
@@ -163,7 +173,8 @@ Spline MakeSpline(py::handle xs, py::handle ys, py::handle bc, py::handle slopes
     out.s = S::Cubic(xa, ya, end);
   } else if (!named || out.bc == "linear") {
     if (xa.Len() != ya.Len()) throw py::value_error("x and y differ in length");
-    zrSimpleArray<zrColumnVector<double>> points(xa.Len());
+    zrSimpleArray<zrColumnVector<double>> points;
+    if (xa.Len() > 0) points.Set(xa.Len());
     for (int i = 0; i < xa.Len(); ++i) points[i].Set(2), points[i][0] = xa[i], points[i][1] = ya[i];
     out.s.Set(points);
     if (named)
@@ -171,8 +182,7 @@ Spline MakeSpline(py::handle xs, py::handle ys, py::handle bc, py::handle slopes
     else
       BuildWithConditions(out.s, bc);
   } else {
-    throw py::value_error(
-        "bc must be 'natural', 'clamped', 'periodic', 'linear' or two (order, value) pairs");
+    throw py::value_error(kBcChoices);
   }
   out.x.assign(x.data(), x.data() + x.size());
   out.y.assign(y.data(), y.data() + y.size());
@@ -285,10 +295,13 @@ Spline(x, y, bc='natural') is the cubic spline with the named end condition:
   ((order, value), (order, value))   a condition at the left and at the right end,
                order 1 for a slope and 2 for a second derivative.
 The named cubic conditions require strictly increasing x. The spline copies the points:
-nothing is shared with the arrays given. Evaluating an ndarray is one call into the
-library over the whole array (without the GIL) into a new array of its shape; an x that is
-not a C-contiguous float64 array (a strided view, ints, a list) is first copied into one.
-x outside [x[0], x[-1]] raises ValueError.
+nothing is shared with the arrays given, and nothing changes the spline once built.
+Evaluating an ndarray is one call into the library over the whole array (without the
+GIL) into a new array of its shape; an x that is not a C-contiguous float64 array (a
+strided view, ints, a list) is first copied into one, and complex, object or text values
+are refused (TypeError). Other threads run meanwhile: they may evaluate the same spline,
+but one that writes into x at the same time makes the values read unspecified. x outside
+[x[0], x[-1]] raises ValueError.
 
 >>> s = zr.Spline([0.0, 1.0, 2.0], [0.0, 1.0, 0.0])
 >>> s(0.5), s(np.array([0.5, 1.5]))

@@ -26,7 +26,9 @@ struct Text {
 
 Text ReadText(py::handle h, const char* what) {
   if (py::isinstance<py::bytes>(h)) return {h.cast<std::string>(), false};
-  if (py::isinstance<py::str>(h)) return {h.cast<std::string>(), true};
+  // Python's own encoder, so that a str UTF-8 cannot hold (a lone surrogate) is its
+  // UnicodeEncodeError, a ValueError.
+  if (py::isinstance<py::str>(h)) return {h.attr("encode")("utf-8").cast<std::string>(), true};
   throw py::type_error(std::string(what) + " must be str or bytes");
 }
 

@@ -20,13 +20,18 @@ py::bytes ToBytes(const Z& z) {
 }
 
 // Reads the flat form with the checked reader: a short or malformed form is refused with
-// the library's text (a ValueError) and nothing is read.
+// the library's text (a ValueError) and nothing is read. The bytes must be the form and
+// nothing more: bytes left over after it are refused too (z is then read, but callers
+// read into a fresh object that they drop).
 template <class Z>
 void FromBytes(const py::bytes& b, Z& z) {
   char* data = nullptr;
   Py_ssize_t size = 0;
   if (PyBytes_AsStringAndSize(b.ptr(), &data, &size) != 0) throw py::error_already_set();
-  zrFromMem(reinterpret_cast<const unsigned char*>(data), static_cast<std::size_t>(size), z);
+  const int used =
+      zrFromMem(reinterpret_cast<const unsigned char*>(data), static_cast<std::size_t>(size), z);
+  if (used != size)
+    throw py::value_error(std::to_string(size - used) + " bytes left over after the flat form");
 }
 
 // Adds to_bytes() and the static from_bytes(data) to a bound class of values; example is
@@ -48,8 +53,8 @@ void DefFlatForm(Class& cls, const std::string& example) {
         return object;
       },
       py::arg("data"),
-      ("An object read from the library's flat byte form. A short or malformed buffer\n"
-       "raises ValueError and reads nothing.\n\n"
+      ("An object read from the library's flat byte form. A short or malformed buffer, or\n"
+       "one with bytes after the form, raises ValueError.\n\n"
        ">>> x = " +
        example + "\n>>> repr(zr." + name + ".from_bytes(x.to_bytes())) == repr(x)\nTrue\n")
           .c_str());

@@ -21,6 +21,7 @@
 #include <pybind11/stl.h>
 
 #include <cstdint>
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -119,13 +120,40 @@ inline zrArray<int> IntArray(const std::vector<py::ssize_t>& v) {
   return r;
 }
 
-// The buffer of a bound class: that of the ndarray ToNumpy gives, which is then the
-// buffer's owner (it holds the block share, and the shape and strides).
-template <class H, Layout (*Of)(const H&)>
+// A count of elements as the library takes it, refused beyond 32 bits.
+inline int Count(py::ssize_t n) {
+  if (n > INT32_MAX) throw py::value_error("more elements than 32 bits count");
+  return static_cast<int>(n);
+}
+
+// A step in elements as the library takes it, refused beyond 32 bits.
+inline int Step(py::ssize_t s) {
+  if (s < INT32_MIN || s > INT32_MAX) throw py::value_error("a step beyond 32 bits");
+  return static_cast<int>(s);
+}
+
+// A Python index (negative ones from the end) checked against n.
+inline int Wrap(py::ssize_t i, int n) {
+  if (i < 0) i += n;
+  if (i < 0 || i >= n) throw py::index_error("index out of range");
+  return static_cast<int>(i);
+}
+
+// A bound object read from the library's flat form (see FromBytes).
+template <class H>
+std::unique_ptr<H> FromBytesOf(const py::bytes& b) {
+  auto h = std::make_unique<H>();
+  FromBytes(b, h->value);
+  return h;
+}
+
+// The buffer of a bound class: that of the ndarray View gives, which is then the buffer's
+// owner (it holds the block share, and the shape and strides), so a memoryview counts
+// among the block's holders as any ndarray over it does.
+template <class T, py::array (*View)(const T&)>
 int GetBuffer(PyObject* self, Py_buffer* view, int flags) {
   try {
-    const H& h = py::cast<const H&>(py::handle(self));
-    const py::array a = ToNumpy(Of(h), h.value.GetMem(), h.owner);
+    const py::array a = View(py::cast<const T&>(py::handle(self)));
     return PyObject_GetBuffer(a.ptr(), view, flags);
   } catch (py::error_already_set& e) {
     e.restore();
@@ -137,10 +165,10 @@ int GetBuffer(PyObject* self, Py_buffer* view, int flags) {
 }
 
 // Installs that buffer on a class declared with py::buffer_protocol().
-template <class H, Layout (*Of)(const H&)>
-void EnableBuffer(const py::handle& cls) {
+template <class T, py::array (*View)(const T&)>
+void EnableViewBuffer(const py::handle& cls) {
   PyBufferProcs* procs = reinterpret_cast<PyTypeObject*>(cls.ptr())->tp_as_buffer;
-  procs->bf_getbuffer = &GetBuffer<H, Of>;
+  procs->bf_getbuffer = &GetBuffer<T, View>;
   procs->bf_releasebuffer = nullptr;
 }
 
@@ -148,6 +176,12 @@ void EnableBuffer(const py::handle& cls) {
 template <class H, Layout (*Of)(const H&)>
 py::array Numpy(const H& h) {
   return ToNumpy(Of(h), h.value.GetMem(), h.owner);
+}
+
+// The buffer of a bound object's elements, through its layout.
+template <class H, Layout (*Of)(const H&)>
+void EnableBuffer(const py::handle& cls) {
+  EnableViewBuffer<H, &Numpy<H, Of>>(cls);
 }
 
 // "Name([...])" with the elements as nested lists, or "Name(shape=(...))" past 100 of them.

@@ -16,13 +16,13 @@ def test_contour_points_are_views_of_its_block():
     assert c.holders == 1
     pts, buf = c.points, np.asarray(c)
     assert pts.shape == (4, 2) and pts.strides == (16, 8) and np.shares_memory(pts, buf)
-    assert c.holders == 2  # the buffer view holds the contour object, not the block
+    assert c.holders == 3  # both views hold the block, the buffer's as much as points'
     buf[1, 0] = 3.0  # writes through either side reach the contour
     assert c.area() == 2.0 and pts[1, 0] == 3.0
     c.set_orientation(1)  # reversed in place: the views see the new order
     assert pts.tolist() == [[0, 1], [1, 1], [3, 0], [0, 0]] and c.orientation() == 1
-    del c, buf
-    assert pts.tolist()[2] == [3, 0]  # the block outlives the contour
+    del c, pts
+    assert buf.tolist()[2] == [3, 0]  # the block outlives the contour
     source = np.array(SQUARE, dtype=float)
     own = zr.Contour(source[::-1])  # strided input is copied
     source[0, 0] = 9.0
