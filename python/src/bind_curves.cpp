@@ -60,9 +60,10 @@ void BindContour(py::module_& m) {
   py::class_<C> contour(m, "Contour", py::buffer_protocol(), R"doc(
 A closed plane polygon: its last point joins the first.
 
-Contour(points) copies an N x 2 array of points (any layout or dtype). `points` (and np.asarray(contour)) is an
-N x 2 array over the contour's own storage, without copying: writes through it change
-the contour, and the contour's in-place reorderings show in it. Orientation 0 is
+Contour(points) copies an N x 2 array of points (any layout; integers and floats, not
+complex numbers). `points` (and np.asarray(contour)) is an N x 2 array over the contour's
+own storage, without copying, that holds it: writes through it change the contour, and
+the contour's in-place reorderings show in it. Orientation 0 is
 counter-clockwise (positive signed area), 1 anything else.
 
 >>> square = zr.Contour([[0.0, 0.0], [2.0, 0.0], [2.0, 2.0], [0.0, 2.0]])

@@ -2,6 +2,7 @@ import doctest
 import inspect
 
 import numpy
+import pytest
 
 import zr
 
@@ -41,3 +42,23 @@ def test_every_docstring_example_runs():
     failed, attempted = runner.summarize(verbose=False)
     assert attempted == examples > 0
     assert failed == 0
+
+
+FLAT = [zr.Array([1.0, 2.0]), zr.ArrayND([[1.0, 2.0]]).flip(1), zr.Vector([1.0, 2.0]),
+        zr.Matrix([[1.0, 2.0]]).T, zr.Tridiagonal([1.0], [2.0, 3.0], [4.0]),
+        zr.Polynomial([1.0, 2.0]), zr.Vec2(1, 2), zr.Vec3(1, 2, 3),
+        zr.Transform2D().add_shift((1, 2)), zr.Transform3D().add_shift((1, 2, 3)),
+        zr.Contour([[0, 0], [1, 0], [0, 1]])]
+
+
+def test_every_flat_form_is_read_whole_or_refused():
+    assert {type(x).__name__ for x in FLAT} == {
+        name for name, cls in vars(zr).items() if hasattr(cls, "from_bytes")}
+    for x in FLAT:
+        cls, data = type(x), x.to_bytes()
+        assert cls.from_bytes(data).to_bytes() == data
+        for cut in range(len(data)):
+            with pytest.raises(ValueError, match="valid flat form"):
+                cls.from_bytes(data[:cut])
+        with pytest.raises(ValueError, match="^1 bytes left over after the flat form$"):
+            cls.from_bytes(data + b"\0")

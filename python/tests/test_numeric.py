@@ -69,8 +69,6 @@ def test_polynomial_arithmetic_and_flat_form():
     assert data == struct.pack("<i2d", 2, 1.5, -2.0)
     back = zr.Polynomial.from_bytes(data)
     assert back.coefficients.tolist() == [1.5, -2.0] and (back.x0, back.form) == (0.0, "power")
-    with pytest.raises(ValueError, match="valid flat form"):
-        zr.Polynomial.from_bytes(data[:-1])
 
 
 def test_spline_values_pinned_and_end_conditions():
@@ -119,8 +117,11 @@ def test_spline_errors_have_the_library_texts():
         with pytest.raises(ValueError) as info:
             zr.Spline(*args, **kwargs)
         assert str(info.value) == PREFIX + text
-    with pytest.raises(ValueError, match="bc must be"):
-        zr.Spline([0.0, 1.0, 2.0], [0.0, 1.0, 0.0], bc="not-a-knot")
+    for bc in ("not-a-knot", ((1, 0.0),)):
+        with pytest.raises(ValueError, match="bc must be"):
+            zr.Spline([0.0, 1.0, 2.0], [0.0, 1.0, 0.0], bc=bc)
+    with pytest.raises(ValueError, match="number of point must be >= 3"):
+        zr.Spline([], [], bc="linear")
     with pytest.raises(ValueError, match="slopes"):
         zr.Spline([0.0, 1.0, 2.0], [0.0, 1.0, 0.0], slopes=(1.0, 1.0))
 

@@ -14,6 +14,8 @@ def test_tokenize_str_and_bytes():
         zr.tokenize("a–b", "–")
     with pytest.raises(TypeError):
         zr.tokenize("a b", b" ")
+    with pytest.raises(UnicodeEncodeError):  # a lone surrogate has no UTF-8
+        zr.scan("x\ud800")
 
 
 def test_scan_follows_the_grammar():
