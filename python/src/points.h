@@ -107,13 +107,24 @@ py::array_t<double> NewPoints(py::ssize_t n, Get get) {
   return out;
 }
 
+// Whether x stands for one number rather than an array of them: a Python int or float, or
+// an object with __float__ that is not a sequence. NumPy's scalars are left to Doubles as
+// 0-d arrays, so that they are cast by the arrays' rule (a complex one is refused rather
+// than cut to its real part).
+inline bool IsNumber(py::handle x) {
+  if (PyFloat_Check(x.ptr()) || PyLong_Check(x.ptr())) return true;
+  if (py::isinstance<py::array>(x) || PySequence_Check(x.ptr())) return false;
+  return py::hasattr(x, "__float__") &&
+         !py::isinstance(x, py::module_::import("numpy").attr("generic"));
+}
+
 // A curve's point at one parameter (a point back) or at every element of an array-like,
 // flattened, into a new N x Dim array.
 template <int Dim, class Curve>
 py::object CurvePoints(const Curve& c, py::handle t) {
-  if (!py::isinstance<py::array>(t) && !PySequence_Check(t.ptr()))
-    return py::cast(c(py::cast<double>(t)));
+  if (IsNumber(t)) return py::cast(c(py::cast<double>(t)));
   const auto ts = Doubles(t);
+  if (ts.ndim() == 0) return py::cast(c(*ts.data()));
   return NewPoints<Dim>(ts.size(), [&](py::ssize_t i) { return c(ts.data()[i]); });
 }
 
@@ -121,9 +132,7 @@ py::object CurvePoints(const Curve& c, py::handle t) {
 // shape. many(in, n, out) evaluates n contiguous values; one(x) a single one.
 template <class One, class Many>
 py::object ScalarOrArray(py::handle x, One one, Many many) {
-  if (PyFloat_Check(x.ptr()) || PyLong_Check(x.ptr()) ||
-      (!py::isinstance<py::array>(x) && py::hasattr(x, "__float__") && !PySequence_Check(x.ptr())))
-    return py::float_(one(py::cast<double>(x)));
+  if (IsNumber(x)) return py::float_(one(py::cast<double>(x)));
   const auto in = Doubles(x);
   if (in.ndim() == 0) return py::float_(one(*in.data()));
   py::array_t<double> out(std::vector<py::ssize_t>(in.shape(), in.shape() + in.ndim()));

@@ -48,3 +48,11 @@ def test_layouts_and_dtypes(name):
     for refused in (a.astype(complex), a.astype(object), a.astype(str)):
         with pytest.raises(TypeError, match="same_kind"):
             call(refused)
+
+
+@pytest.mark.parametrize("name", ["Contour(t)", "Spline(x)", "Polynomial(x)", "BetaCurve(t)"])
+def test_numpy_scalars_follow_the_same_rule(name):
+    call = CALLS[name][0]
+    assert call(np.float32(0.5)) == call(0.5) and call(np.int64(1)) == call(1)
+    with pytest.raises(TypeError, match="same_kind"):
+        call(np.complex128(0.5 + 1j))
