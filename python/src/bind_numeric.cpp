@@ -172,7 +172,8 @@ Spline MakeSpline(py::handle xs, py::handle ys, py::handle bc, py::handle slopes
     }
     out.s = S::Cubic(xa, ya, end);
   } else if (!named || out.bc == "linear") {
-    if (xa.Len() != ya.Len()) throw py::value_error("x and y differ in length");
+    // The refusal the named cubic conditions get from the library, in its words.
+    if (xa.Len() != ya.Len()) throw BadParameters("zrSpline: x and y differ in length.");
     zrSimpleArray<zrColumnVector<double>> points;
     if (xa.Len() > 0) points.Set(xa.Len());
     for (int i = 0; i < xa.Len(); ++i) points[i].Set(2), points[i][0] = xa[i], points[i][1] = ya[i];

@@ -113,6 +113,7 @@ def test_spline_errors_have_the_library_texts():
          "zrSpline: periodic y must end at its first value."),
         (([0.0, 1.0, 2.0], [0.0, 1.0, np.inf]), {}, "error in spline"),
     ]
+    cases.append((([0.0, 1.0, 2.0], [0.0, 1.0]), {"bc": "linear"}, cases[1][2]))
     for args, kwargs, text in cases:
         with pytest.raises(ValueError) as info:
             zr.Spline(*args, **kwargs)
