@@ -52,9 +52,15 @@ void CubicRow(TT hPrev, TT h, TT yPrev, TT y, TT yNext, TT& l, TT& d) {
 
 // Check()'s test of segment r: within the tolerance of its own point and of the next
 // one (the following record's x and y).
+// At its own point the polynomial's argument x_i + (0 - x_i) is +0 (NaN for an infinite
+// x_i), so each product is a zero and the value is the last coefficient (a zero's sign
+// aside, which |value - y_i| does not see) when x_i and the other coefficients are finite,
+// and NaN when one is not: the same verdict without the products.
 template <class TT>
 bool MeetsItsPoints(const TT* r, int koef) {
-  return SplineClose(RecordValue(r, koef, r[0]), r[1]) &&
+  bool finite = std::isfinite(r[0]);
+  for (int i = 0; i + 1 < koef; ++i) finite = finite && std::isfinite(r[2 + i]);
+  return finite && SplineClose(r[1 + koef], r[1]) &&
          SplineClose(RecordValue(r, koef, r[kSplineRecord]), r[kSplineRecord + 1]);
 }
 
