@@ -33,7 +33,9 @@
 ///     MkSpline3 solves the system with zrMatrix3Diag::SolveEquationChaserMethod, then
 ///     writes the segments, then runs Check(). (For double a faster build sweeps the rows
 ///     as it forms them and tests each segment as it writes it: the same operations in the
-///     same order, so the same bits and the same verdict.)
+///     same order, a quotient that two formulas share computed once, and a moment's sixth
+///     taken as half its third where that is the same number, so the same bits and the
+///     same verdict.)
 ///     Segment i = PowerKoef (c0, c1, c2, c3) about x_i:
 ///       c0 = (M_(i+1) - M_i)/(6*h_i), c1 = 0.5*M_i,
 ///       c2 = (y_(i+1) - y_i)/h_i - (M_(i+1)/6 + M_i/3)*h_i, c3 = y_i.
