@@ -1,5 +1,7 @@
 // The natural cubic spline in zr: building it from the library's own form of the data
-// (an array of (x, y) column vectors) and evaluating it at 1e6 points, random or sorted.
+// (an array of (x, y) column vectors) and evaluating it at 1e6 points: random points one
+// call each ("random") or in one many-point call ("random_many"), sorted points in one
+// many-point call ("sorted") or one call each with a hint ("sorted_hint").
 // spline_gsl.cpp has the same cases for gsl_spline. Arg: the number of nodes. "zr" runs at
 // the best level this machine has, "zr_plain" pinned to the class's own loops (1000 nodes
 // only: its search is the linear scan).
@@ -53,21 +55,36 @@ void Build(benchmark::State& state, Level level) {
   zr_bench::SetCheck(state, check);
 }
 
-void Eval(benchmark::State& state, Level level, bool sorted) {
+enum class Call { kSingle, kHint, kMany };
+
+void Eval(benchmark::State& state, Level level, bool sorted, Call call) {
   const zr::detail::LevelOverride pin(level);
   const int n = static_cast<int>(state.range(0));
   zrSpline<double> s(Nodes(n));
   const Natural natural;
   s.MkSpline3(natural.codes, natural.values);
   const std::vector<double> xs = zr_bench::EvalPoints(n, zr_bench::kEvalPoints, sorted);
+  const int count = static_cast<int>(xs.size());
+  std::vector<double> out(xs.size());
   double sum = 0;
   for (auto _ : state) {
     sum = 0;
-    for (double x : xs) sum += s(x);
+    if (call == Call::kMany) {
+      s.Value(xs.data(), count, out.data());
+      benchmark::DoNotOptimize(out.data());
+      benchmark::ClobberMemory();
+    } else if (call == Call::kHint) {
+      int hint = 0;
+      for (double x : xs) sum += s.Value(x, hint);
+    } else {
+      for (double x : xs) sum += s(x);
+    }
     benchmark::DoNotOptimize(sum);
   }
-  state.SetItemsProcessed(state.iterations() * static_cast<long long>(xs.size()));
-  zr_bench::SetCheck(state, sum / static_cast<double>(xs.size()));
+  if (call == Call::kMany)
+    for (double v : out) sum += v;
+  state.SetItemsProcessed(state.iterations() * static_cast<long long>(count));
+  zr_bench::SetCheck(state, sum / static_cast<double>(count));
 }
 
 }  // namespace
@@ -77,13 +94,23 @@ BENCHMARK_CAPTURE(Build, zr, Level::kAvx512)
     ->Arg(1000)
     ->Arg(1000000)
     ->Unit(benchmark::kMicrosecond);
-BENCHMARK_CAPTURE(Eval, zr, Level::kAvx512, false)
+BENCHMARK_CAPTURE(Eval, zr, Level::kAvx512, false, Call::kSingle)
     ->Name("spline_eval_random/zr")
     ->Arg(1000)
     ->Arg(1000000)
     ->Unit(benchmark::kMillisecond);
-BENCHMARK_CAPTURE(Eval, zr, Level::kAvx512, true)
+BENCHMARK_CAPTURE(Eval, zr, Level::kAvx512, false, Call::kMany)
+    ->Name("spline_eval_random_many/zr")
+    ->Arg(1000)
+    ->Arg(1000000)
+    ->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(Eval, zr, Level::kAvx512, true, Call::kMany)
     ->Name("spline_eval_sorted/zr")
+    ->Arg(1000)
+    ->Arg(1000000)
+    ->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(Eval, zr, Level::kAvx512, true, Call::kHint)
+    ->Name("spline_eval_sorted_hint/zr")
     ->Arg(1000)
     ->Arg(1000000)
     ->Unit(benchmark::kMillisecond);
@@ -91,11 +118,11 @@ BENCHMARK_CAPTURE(Build, plain, Level::kPlain)
     ->Name("spline_build/zr_plain")
     ->Arg(1000)
     ->Unit(benchmark::kMicrosecond);
-BENCHMARK_CAPTURE(Eval, plain, Level::kPlain, false)
+BENCHMARK_CAPTURE(Eval, plain, Level::kPlain, false, Call::kSingle)
     ->Name("spline_eval_random/zr_plain")
     ->Arg(1000)
     ->Unit(benchmark::kMillisecond);
-BENCHMARK_CAPTURE(Eval, plain, Level::kPlain, true)
+BENCHMARK_CAPTURE(Eval, plain, Level::kPlain, true, Call::kMany)
     ->Name("spline_eval_sorted/zr_plain")
     ->Arg(1000)
     ->Unit(benchmark::kMillisecond);

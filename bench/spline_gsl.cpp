@@ -1,5 +1,7 @@
 // The natural cubic spline with gsl_spline (gsl_interp_cspline): built from plain x and y
-// arrays, evaluated with an accelerator that is reset before each pass over the points.
+// arrays, evaluated with an accelerator that is reset before each pass over the points:
+// summed ("random", "sorted_hint"), or written to an array of results as zr's many-point
+// call does ("random_many", "sorted").
 #include <benchmark/benchmark.h>
 #include <gsl/gsl_errno.h>
 #include <gsl/gsl_spline.h>
@@ -47,7 +49,7 @@ void GslBuild(benchmark::State& state) {
   zr_bench::SetCheck(state, check);
 }
 
-template <bool sorted>
+template <bool sorted, bool many>
 void GslEval(benchmark::State& state) {
   const int n = static_cast<int>(state.range(0));
   const Nodes nodes(n);
@@ -56,13 +58,22 @@ void GslEval(benchmark::State& state) {
   gsl_spline_init(s, nodes.x.data(), nodes.y.data(), m);
   gsl_interp_accel* acc = gsl_interp_accel_alloc();
   const std::vector<double> xs = zr_bench::EvalPoints(n, zr_bench::kEvalPoints, sorted);
+  std::vector<double> out(xs.size());
   double sum = 0;
   for (auto _ : state) {
     gsl_interp_accel_reset(acc);
     sum = 0;
-    for (double x : xs) sum += gsl_spline_eval(s, x, acc);
+    if (many) {
+      for (std::size_t i = 0; i < xs.size(); ++i) out[i] = gsl_spline_eval(s, xs[i], acc);
+      benchmark::DoNotOptimize(out.data());
+      benchmark::ClobberMemory();
+    } else {
+      for (double x : xs) sum += gsl_spline_eval(s, x, acc);
+    }
     benchmark::DoNotOptimize(sum);
   }
+  if (many)
+    for (double v : out) sum += v;
   gsl_interp_accel_free(acc);
   gsl_spline_free(s);
   state.SetItemsProcessed(state.iterations() * static_cast<long long>(xs.size()));
@@ -76,13 +87,23 @@ BENCHMARK(GslBuild)
     ->Arg(1000)
     ->Arg(1000000)
     ->Unit(benchmark::kMicrosecond);
-BENCHMARK(GslEval<false>)
+BENCHMARK(GslEval<false, false>)
     ->Name("spline_eval_random/gsl")
     ->Arg(1000)
     ->Arg(1000000)
     ->Unit(benchmark::kMillisecond);
-BENCHMARK(GslEval<true>)
+BENCHMARK(GslEval<false, true>)
+    ->Name("spline_eval_random_many/gsl")
+    ->Arg(1000)
+    ->Arg(1000000)
+    ->Unit(benchmark::kMillisecond);
+BENCHMARK(GslEval<true, true>)
     ->Name("spline_eval_sorted/gsl")
+    ->Arg(1000)
+    ->Arg(1000000)
+    ->Unit(benchmark::kMillisecond);
+BENCHMARK(GslEval<true, false>)
+    ->Name("spline_eval_sorted_hint/gsl")
     ->Arg(1000)
     ->Arg(1000000)
     ->Unit(benchmark::kMillisecond);

@@ -223,7 +223,8 @@ TEST(SplineTest, ManyPointsWriteInPlaceOrAFreshBlock) {
 // Every level builds and searches alike: sizes around the search tree's levels (n - 2 keys
 // fill 2^d - 1 nodes exactly or overflow them) and the sweep's ends; every kind of end row;
 // ties, unordered nodes, infinite ends and ordinates far beyond the check's fixed
-// tolerance (every level refuses); a build over an earlier one; wild and stale hints.
+// tolerance (every level refuses); a build over an earlier one; wild and stale hints; sorted
+// runs.
 TEST(SplineLevels, BuildsAndSearchesAgree) {
   // The scan's answers by hand, ties included: segment i - 1 for the first x_i > x.
   const S tied(MakePoints({0, 1, 1, 2, 3}, Vec(5, 0.0)));
@@ -272,6 +273,14 @@ TEST(SplineLevels, BuildsAndSearchesAgree) {
           out.push_back(hint);
           for (int m = 1; m <= 3; ++m) out.push_back(s.Derivative(at[k], m));
         }
+        // A sorted run, then steps back and far jumps, in one call and with hints.
+        Vec run(at), many(at.size() + 4), third(many.size());
+        std::sort(run.begin(), run.end());
+        run.insert(run.end(), {x[n / 2], x[1], x.back(), x.front()});
+        s.Value(run.data(), static_cast<int>(run.size()), many.data());
+        s.Derivative(run.data(), static_cast<int>(run.size()), 3, third.data());
+        for (std::size_t k = 0; k < run.size(); ++k)
+          out.insert(out.end(), {many[k], third[k], double(s.GetSegmentNum(run[k], hint))});
         return out;
       });
     }

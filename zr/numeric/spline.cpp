@@ -50,6 +50,7 @@ void zrSpline<TT>::Exchange(zrSpline& other) {
   tree_.swap(other.tree_);
   std::swap(koef_, other.koef_);
   std::swap(depth_, other.depth_);
+  std::swap(treeStart_, other.treeStart_);
   std::swap(increasing_, other.increasing_);
 }
 
@@ -96,8 +97,12 @@ int zrSpline<TT>::MakeRecords(const zrSimpleArray<zrColumnVector<TT>>& points,
 template <class TT>
 void zrSpline<TT>::MakeTree() {
   depth_ = 0;
+  treeStart_ = 0;
   if (increasing_ && n_ > 0)
     depth_ = zr::detail::SplineKernels<TT>::MakeTree(records_.GetPointer(), n_, tree_);
+  if (depth_ > 0)
+    treeStart_ =
+        static_cast<int>(zr::detail::AlignedNodes(tree_.GetPointer()) - tree_.GetPointer());
 }
 
 template <class TT>
@@ -365,10 +370,20 @@ void zrSpline<TT>::EachPoint(const TT* xs, int n, TT* out, F f) const {
     for (int i = 0; i < n; ++i) out[i] = values[i];
     return;
   }
-  int hint = 0;
+  int seg = 0;
+  if (depth_ > 0) {
+    // Each point's segment from the previous one's, or from the tree.
+    const TT* const records = records_.GetPointer();
+    for (int i = 0; i < n; ++i) {
+      const TT x = xs[i];
+      if (!zr::detail::SplineKernels<TT>::Near(records, n_, x, seg)) seg = Search(x);
+      out[i] = f(seg, x);
+    }
+    return;
+  }
   for (int i = 0; i < n; ++i) {
     const TT x = xs[i];
-    out[i] = f(GetSegmentNum(x, hint), x);
+    out[i] = f(GetSegmentNum(x, seg), x);
   }
 }
 
@@ -408,7 +423,9 @@ template <class TT>
 int zrSpline<TT>::Search(const TT& x) const {
   const int n = n_;
   int seg = 0;
-  if (depth_ > 0 && zr::detail::SplineKernels<TT>::Search(tree_, depth_, n, x, seg)) return seg;
+  if (depth_ > 0 &&
+      zr::detail::SplineKernels<TT>::Search(tree_.GetPointer() + treeStart_, depth_, n, x, seg))
+    return seg;
   for (int i = 1; i < n; ++i)
     if (X(i) > x) return i - 1;
   return n - 2;
@@ -424,14 +441,16 @@ template <class TT>
 int zrSpline<TT>::GetSegmentNum(const TT& x, int& hint) const {
   CheckInside(&x, 1);
   const int n = n_;
+  if (depth_ > 0) {
+    // The hint's segment and the three after it first, then the tree.
+    if (!zr::detail::SplineKernels<TT>::Near(records_.GetPointer(), n, x, hint)) hint = Search(x);
+    return hint;
+  }
   if (increasing_ && hint >= 0 && hint <= n - 2 && X(hint) <= x) {
     // Every abscissa up to x_hint is <= x: the first one above x lies further on.
-    if (depth_ == 0 ||
-        !zr::detail::SplineKernels<TT>::SearchFrom(records_.GetPointer(), n, x, hint)) {
-      int i = hint + 1;
-      while (i < n && !(X(i) > x)) ++i;
-      hint = i - 1 < n - 2 ? i - 1 : n - 2;
-    }
+    int i = hint + 1;
+    while (i < n && !(X(i) > x)) ++i;
+    hint = i - 1 < n - 2 ? i - 1 : n - 2;
     return hint;
   }
   hint = Search(x);

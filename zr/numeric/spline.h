@@ -33,7 +33,9 @@
 ///     MkSpline3 solves the system with zrMatrix3Diag::SolveEquationChaserMethod, then
 ///     writes the segments, then runs Check(). (For double a faster build sweeps the rows
 ///     as it forms them and tests each segment as it writes it: the same operations in the
-///     same order, so the same bits and the same verdict.)
+///     same order, a quotient that two formulas share computed once, and a moment's sixth
+///     taken as half its third where that is the same number, so the same bits and the
+///     same verdict.)
 ///     Segment i = PowerKoef (c0, c1, c2, c3) about x_i:
 ///       c0 = (M_(i+1) - M_i)/(6*h_i), c1 = 0.5*M_i,
 ///       c2 = (y_(i+1) - y_i)/h_i - (M_(i+1)/6 + M_i/3)*h_i, c3 = y_i.
@@ -68,7 +70,10 @@
 /// are taken) double finds the same index, ties included, by a branch-free descent of a
 /// search tree kept with the points (x_1 ... x_(n-2) by levels). GetSegmentNum(x, hint)
 /// and Value(x, hint) scan forward from a previous answer, for queries that come in
-/// increasing order (double: by doubling steps, then halving). The explicit-segment forms
+/// increasing order (double with a tree: the hint's segment, then the three after it, then
+/// the tree, so that a hint that has gone stale costs one descent); the many-point Value
+/// and Derivative search each point so from the previous point's segment. The
+/// explicit-segment forms
 /// require 0 <= seg < n - 1 and do not look at x; Derivative(m, i) requires 0 <= i < n and
 /// evaluates segment i at x_i (segment n - 2 for the last point).
 ///
@@ -109,8 +114,8 @@ struct SplineEnds {
 template <class TT>
 struct SplineKernels {
   static int MakeTree(const TT*, int, zrSimpleArray<TT>&) { return 0; }
-  static bool Search(const zrSimpleArray<TT>&, int, int, const TT&, int&) { return false; }
-  static bool SearchFrom(const TT*, int, const TT&, int&) { return false; }
+  static bool Search(const TT*, int, int, const TT&, int&) { return false; }
+  static bool Near(const TT*, int, const TT&, int&) { return false; }
   static bool Cubic(TT*, int, const SplineEnds<TT>&, bool&) { return false; }
 };
 template <>
@@ -280,9 +285,11 @@ class ZR_API zrSpline : public zrUsingNew {
   zrSimpleArray<TT> records_;
   int koef_ = 0;
   // For non-decreasing abscissas, the fast search's tree (SplineKernels::MakeTree), of
-  // depth depth_; none when depth_ is 0.
+  // depth depth_, its nodes from element treeStart_ (the first 64-byte line of its block);
+  // none when depth_ is 0.
   zrSimpleArray<TT> tree_;
   int depth_ = 0;
+  int treeStart_ = 0;
   int increasing_ = 1;  // abscissas do not decrease
 };
 

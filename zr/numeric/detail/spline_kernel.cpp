@@ -2,6 +2,7 @@
 // in one sweep over the records (the searches are inline in spline_kernel.h).
 #include "zr/numeric/detail/spline_kernel.h"
 
+#include <cmath>
 #include <cstdint>
 #include <limits>
 
@@ -55,16 +56,20 @@ int SplineKernels<double>::MakeTree(const double* records, int n, zrSimpleArray<
 bool SplineKernels<double>::Cubic(double* records, int n, const SplineEnds<double>& ends,
                                   bool& ok) {
   if (Declines()) return false;
-  // alpha[i] and beta[i] wait in record i's first two coefficient places, which the back
-  // substitution reads just before it writes segment i's coefficients there.
+  // alpha[i] and beta[i] wait in record i's first two coefficient places, and the slope
+  // (y_(i+1) - y_i) / h_i in its third: the back substitution reads them just before it
+  // writes segment i's coefficients there. A slope is divided out once, for both rows that
+  // use it and for its segment, which needs it too (the divider is what the build waits on).
   records[2] = -ends.up0 / ends.diag0;
   records[3] = ends.d0 / ends.diag0;
   double hPrev = records[kR] - records[0];
+  records[4] = (records[kR + 1] - records[1]) / hPrev;
   for (int i = 1; i < n - 1; ++i) {
     double* const rec = records + static_cast<std::int64_t>(i) * kR;
     const double h = rec[kR] - rec[0];
+    rec[4] = (rec[kR + 1] - rec[1]) / h;
     double l, d;
-    CubicRow(hPrev, h, rec[1 - kR], rec[1], rec[kR + 1], l, d);
+    CubicRowOfSlopes(hPrev, h, rec[4 - kR], rec[4], l, d);
     const double down = 1 - l;  // Down[i-1]; Up[i] = l
     const double den = down * rec[2 - kR] + 2.0;
     rec[2] = -l / den;
@@ -74,16 +79,22 @@ bool SplineKernels<double>::Cubic(double* records, int n, const SplineEnds<doubl
   const double* const last = records + static_cast<std::int64_t>(n - 2) * kR;
   double m1 = (ends.dN - ends.downN * last[3]) / (ends.downN * last[2] + ends.diagN);
   ok = true;
+  double sixth1 = m1 / 6;  // M_(i+1) / 6
   for (int i = n - 2; i >= 0; --i) {
     double* const rec = records + static_cast<std::int64_t>(i) * kR;
     const double m0 = m1 * rec[2] + rec[3];
     const double h = rec[kR] - rec[0];
+    // m0 / 6 is (m0 / 3) * 0.5, bit for bit, wherever both quotients are normal numbers or
+    // infinite (halving is exact and rounding commutes with it there): one division fewer.
+    const double third0 = m0 / 3;
+    const double sixth0 = std::fabs(m0) >= 0x1p-1016 ? third0 * 0.5 : m0 / 6;
     rec[2] = (m1 - m0) / (6 * h);
     rec[3] = 0.5 * m0;
-    rec[4] = (rec[kR + 1] - rec[1]) / h - (m1 / 6 + m0 / 3) * h;
+    rec[4] = rec[4] - (sixth1 + third0) * h;
     rec[5] = rec[1];
     ok = ok && MeetsItsPoints(rec, 4) && (i == n - 2 || JoinsTheNext(rec, 4));
     m1 = m0;
+    sixth1 = sixth0;
   }
   return true;
 }
