@@ -300,11 +300,14 @@ void BetaCurve::Resample(int m, bool closed, zrVector<V3>& out) const {
   const double L = GetLength() / m;
   const double D = 1.0 / m;
   const int wanted = closed ? m : m - 1;
-  out.Clear();
+  // Gathered aside and handed over in one block of the final size: the vector grows by
+  // exact steps, so appending one sample at a time would copy all the earlier ones.
+  std::vector<V3> samples;
+  samples.reserve(static_cast<std::size_t>(m));
   double tp = 0;
   V3 prev = (*this)(0.0);
-  out.push_back(prev);
-  while (out.Len() < wanted) {
+  samples.push_back(prev);
+  while (static_cast<int>(samples.size()) < wanted) {
     double step = D;
     int dir = 1;
     double t = tp + D < 1 ? tp + D : 1.0;
@@ -322,9 +325,12 @@ void BetaCurve::Resample(int m, bool closed, zrVector<V3>& out) const {
     if (t == 1.0) break;
     tp = t;
     prev = (*this)(t);
-    out.push_back(prev);
+    samples.push_back(prev);
   }
-  if (!closed) out.push_back((*this)(1.0));
+  if (!closed) samples.push_back((*this)(1.0));
+  zrColumnVector<V3> block(static_cast<int>(samples.size()));
+  std::copy(samples.begin(), samples.end(), block.GetPointer());
+  out.Move(block);
 }
 
 void BetaCurve::Rebuild(int m) {

@@ -18,29 +18,19 @@ constexpr int kMinSize = 16;
 // More rows under way at once than the band can produce: decline.
 constexpr int kMaxActive = 64;
 
-// A row during the elimination: its window [lo, lo + count), its tail and the value of
-// every other entry (a zero of some sign).
-struct Work {
-  int lo;
-  int count;
-  double v[BandRow::kWidth];
-  double tail[2];
-  double fill;
-};
-
 class Band {
  public:
   Band(int n, int tail) : n_(n), tail_(tail), first_tail_(n - tail) {}
 
   // Entry (row w, column c).
-  double At(const Work& w, int c) const {
+  double At(const BandRow& w, int c) const {
     if (c >= first_tail_) return w.tail[c - first_tail_];
     if (c >= w.lo && c < w.lo + w.count) return w.v[c - w.lo];
     return w.fill;
   }
 
   // The last column of w's window (lo - 1 for an empty one).
-  static int Hi(const Work& w) { return w.lo + w.count - 1; }
+  static int Hi(const BandRow& w) { return w.lo + w.count - 1; }
 
   int FirstTail() const { return first_tail_; }
   int Tail() const { return tail_; }
@@ -56,32 +46,27 @@ bool IsZeroSigned(double z) { return z == 0.0; }
 
 }  // namespace
 
-bool SolveBand(int n, int tail, const BandRow* rows, const V3* rhs, V3* x) {
+bool SolveBand(int n, int tail, BandRow* rows, const V3* rhs, V3* x) {
   if (CurrentLevel() == Level::kPlain || n < kMinSize) return false;
   const Band band(n, tail);
   const int first_tail = band.FirstTail();
 
-  std::vector<Work> a(n);
+  BandRow* const a = rows;
   std::vector<V3> b(rhs, rhs + n);
-  std::vector<int> perm(n), place(n), order(n);
+  std::vector<int> perm(n), place(n), order(n), start(n + 1, 0);
   for (int r = 0; r < n; ++r) {
-    Work& w = a[r];
-    w.lo = rows[r].lo;
-    w.count = rows[r].count;
-    std::copy(rows[r].v, rows[r].v + BandRow::kWidth, w.v);
-    w.tail[0] = rows[r].tail[0];
-    w.tail[1] = rows[r].tail[1];
-    w.fill = 0.0;
-    perm[r] = place[r] = order[r] = r;
+    a[r].fill = 0.0;
+    perm[r] = place[r] = r;
+    ++start[a[r].lo + 1];
   }
-  // Rows join the elimination when it reaches their first column.
-  std::stable_sort(order.begin(), order.end(),
-                   [&](int p, int q) { return rows[p].lo < rows[q].lo; });
+  // Rows join the elimination when it reaches their first column: ordered by it.
+  for (int c = 0; c < n; ++c) start[c + 1] += start[c];
+  for (int r = 0; r < n; ++r) order[start[a[r].lo]++] = r;
 
   std::vector<int> active, cand;
   int joined = 0;
   for (int k = 0; k < n; ++k) {
-    while (joined < n && rows[order[joined]].lo <= k) active.push_back(order[joined++]);
+    while (joined < n && a[order[joined]].lo <= k) active.push_back(order[joined++]);
     if (static_cast<int>(active.size()) > kMaxActive) return false;
 
     // The pivot scan over the places below k, exchanging during the scan. Rows outside
@@ -105,7 +90,7 @@ bool SolveBand(int n, int tail, const BandRow* rows, const V3* rhs, V3* x) {
     }
 
     const int pk = perm[k];
-    Work& pw = a[pk];
+    BandRow& pw = a[pk];
     const double p = band.At(pw, k);
     if (p == 0.0) throw BadParameters(zr::text::kSystemNotUnique);
     const double inv = 1.0 / p;
@@ -121,7 +106,7 @@ bool SolveBand(int n, int tail, const BandRow* rows, const V3* rhs, V3* x) {
 
     for (int r : active) {
       if (r == pk) continue;
-      Work& w = a[r];
+      BandRow& w = a[r];
       const double l = band.At(w, k);
       if (l == 0.0) continue;
       const double linv = 1.0 / l;
@@ -155,7 +140,7 @@ bool SolveBand(int n, int tail, const BandRow* rows, const V3* rhs, V3* x) {
   for (auto& cnt : neg) cnt.assign(first_tail + 1, 0);
   int bad[3] = {-1, -1, -1};
   for (int i = n - 1; i >= 0; --i) {
-    const Work& w = a[perm[i]];
+    const BandRow& w = a[perm[i]];
     V3 xi = b[perm[i]];
     for (int m = n - 1; m > i && m >= first_tail; --m) {
       const double e = w.tail[m - first_tail];

@@ -30,20 +30,22 @@ namespace zr::detail {
 
 /// One row of a banded system: the coefficients in columns lo ... lo + count - 1 and in
 /// the last two columns (tail[0] in column n - 2, tail[1] in n - 1; ignored when the
-/// system has no tail). Every other coefficient is +0.
+/// system has no tail). Every other coefficient is +0. During the solve fill holds the
+/// value of those others, a zero of one sign.
 struct BandRow {
-  static constexpr int kWidth = 12;
+  static constexpr int kWidth = 8;
   int lo = 0;
   int count = 0;
   double v[kWidth] = {};
   double tail[2] = {};
+  double fill = 0.0;
 };
 
 /// Solves the n x n system of rows (coefficients the same in the three coordinates) for
 /// the right-hand side rhs, writing n points to x, with tail = 0 or 2 explicit last columns
-/// (each row's window must end before them). Returns false when it declines; throws
-/// BadParameters(zr::text::kSystemNotUnique) at a zero pivot.
-bool SolveBand(int n, int tail, const BandRow* rows, const zrTVec3<double>* rhs,
-               zrTVec3<double>* x);
+/// (each row's window must end before them). The rows are worked on in place. Returns
+/// false when it declines; throws BadParameters(zr::text::kSystemNotUnique) at a zero
+/// pivot.
+bool SolveBand(int n, int tail, BandRow* rows, const zrTVec3<double>* rhs, zrTVec3<double>* x);
 
 }  // namespace zr::detail
