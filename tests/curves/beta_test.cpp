@@ -1,7 +1,9 @@
 #include <gtest/gtest.h>
 
 #include <type_traits>
+#include <vector>
 
+#include "support/levels.h"
 #include "support/points.h"
 #include "zr/curves/curves.h"
 
@@ -39,6 +41,27 @@ TYPED_TEST(Beta, PassesThroughItsPointsAndStoringTheSameControlsChangesNothing) 
     for (int i = 0; i < c.GetControlNumber(); ++i) c.SetControl(i, c.GetControl(i));
     for (double t = 0.01; t < 1; t += 0.07) ExpectNear(c(t), before(t), 1e-12);
   }
+}
+
+// Larger systems take the banded solve, which must give the dense elimination's bits:
+// pivots of both signs, zero coordinates of both signs, a singular skew and a NaN point.
+TYPED_TEST(Beta, BandedSolveGivesTheDenseBits) {
+  const int first = std::is_same_v<TypeParam, BetaContour> ? -2 : -1;
+  for (int n : {16, 17, 41, 600})
+    for (const auto& [skew, tension] : {std::pair{1.0, 0.0}, {0.4, -3.0}, {-1.5, 2.0}, {0.0, 1.0}})
+      for (int nan_at : {-1, 7})
+        zr_test::ExpectLevelsAgree([&] {
+          Points q(n);
+          for (int i = 0; i < n; ++i)
+            q[i] = V3(3 * std::sin(1.7 * i), i % 4 ? (i % 2 ? -0.0 : 0.0) : std::sin(i),
+                      i % 3 ? -0.0 : 0.0);
+          if (nan_at >= 0) q[nan_at] = V3(NAN, 1, 1);
+          const TypeParam c(q, skew, tension);
+          std::vector<double> out;
+          for (int i = first; i <= n; ++i)
+            for (int k = 0; k < 3; ++k) out.push_back(c.GetControl(i)[k]);
+          return out;
+        });
 }
 
 TEST(BetaSplineTest, BlendFunctions) {

@@ -1,7 +1,12 @@
 #include "zr/curves/beta.h"
 
+#include <algorithm>
 #include <cmath>
+#include <initializer_list>
 #include <limits>
+#include <vector>
+
+#include "zr/curves/detail/beta_band.h"
 
 namespace zr::detail {
 namespace {
@@ -46,17 +51,38 @@ void OpenControl(const BetaSpline& s, const zrVector<V3>& q, zrVector<V3>& out) 
     return;
   }
   const int N = n + 2;
+  const double b1 = s.BetaBlend(1.0);
+  const double b0 = s.BetaBlend(0.0);
+  const double bm1 = s.BetaBlend(-1.0);
+  const double bm2 = s.BetaBlend(-2.0);
+  if (n >= 4) {
+    // The banded kernel first (see detail/beta_band.h); it declines at the plain level.
+    std::vector<BandRow> rows(N);
+    std::vector<V3> rhs(N);
+    const auto set = [&](int row, int lo, std::initializer_list<double> v) {
+      rows[row].lo = lo;
+      rows[row].count = static_cast<int>(v.size());
+      std::copy(v.begin(), v.end(), rows[row].v);
+    };
+    set(0, 0, {0.0, 1.0});
+    set(1, 0, {b1, b0, bm1, bm2});
+    for (int m = 2; m <= n; ++m) set(m, m - 1, {b1, b0, bm1});
+    set(N - 1, n, {1.0});
+    rhs[0] = q[0];
+    for (int k = 1; k <= n; ++k) rhs[k] = q[k - 1];
+    rhs[N - 1] = q[n - 1];
+    zrColumnVector<V3> x(N);
+    if (SolveBand(N, 0, rows.data(), rhs.data(), x.GetPointer())) {
+      out.Move(x);
+      return;
+    }
+  }
   zrMatrix<V3> a(N, N);
   a.Fill(Same(0.0));
   zrColumnVector<V3> r(N);
   r[0] = q[0];
   for (int k = 1; k <= n; ++k) r[k] = q[k - 1];
   r[N - 1] = q[n - 1];
-
-  const double b1 = s.BetaBlend(1.0);
-  const double b0 = s.BetaBlend(0.0);
-  const double bm1 = s.BetaBlend(-1.0);
-  const double bm2 = s.BetaBlend(-2.0);
   a(0, 1) = Same(1.0);
   a(N - 1, n) = Same(1.0);
   const double first[4] = {b1, b0, bm1, bm2};
@@ -71,6 +97,33 @@ void OpenControl(const BetaSpline& s, const zrVector<V3>& q, zrVector<V3>& out) 
   out.Move(x);
 }
 
+// The cyclic system of ClosedControl through the banded kernel: row r holds B(1), B(0) and
+// B(-1) in columns r - 2, r - 1 and r (modulo n), each added to a zero as the dense form
+// does; columns n - 2 and n - 1 are the kernel's tail. False when the kernel declines.
+bool ClosedBand(const BetaSpline& s, const zrVector<V3>& q, V3* x) {
+  const int n = q.Len();
+  if (n < 8) return false;
+  const double coef[3] = {s.BetaBlend(1.0), s.BetaBlend(0.0), s.BetaBlend(-1.0)};
+  std::vector<BandRow> rows(n);
+  std::vector<V3> rhs(n);
+  for (int row = 0; row < n; ++row) {
+    BandRow& br = rows[row];
+    br.lo = row < 2 ? 0 : row - 2;
+    const int hi = row < n - 2 ? row : n - 3;
+    br.count = hi - br.lo + 1;
+    for (int t = 0; t < 3; ++t) {
+      const int c = Wrap(row - 2 + t, n);
+      if (c >= n - 2) {
+        br.tail[c - (n - 2)] = 0.0 + coef[t];
+      } else {
+        br.v[c - br.lo] = 0.0 + coef[t];
+      }
+    }
+    rhs[row] = q[row];
+  }
+  return SolveBand(n, 2, rows.data(), rhs.data(), x);
+}
+
 // The control points of the contour through the n points of q: the cyclic solution X
 // with its wrap-around copies, n + 3 points with point c = X((c - 2) mod n).
 void ClosedControl(const BetaSpline& s, const zrVector<V3>& q, zrVector<V3>& out) {
@@ -79,20 +132,24 @@ void ClosedControl(const BetaSpline& s, const zrVector<V3>& q, zrVector<V3>& out
     out.Clear();
     return;
   }
-  zrMatrix<V3> a(n, n);
-  a.Fill(Same(0.0));
-  zrColumnVector<V3> r(n);
-  const V3 b1 = Same(s.BetaBlend(1.0));
-  const V3 b0 = Same(s.BetaBlend(0.0));
-  const V3 bm1 = Same(s.BetaBlend(-1.0));
-  for (int row = 0; row < n; ++row) {
-    a(row, Wrap(row - 2, n)) += b1;
-    a(row, Wrap(row - 1, n)) += b0;
-    a(row, row) += bm1;
-    r[row] = q[row];
+  zrColumnVector<V3> x(n);
+  if (!ClosedBand(s, q, x.GetPointer())) {
+    zrMatrix<V3> a(n, n);
+    a.Fill(Same(0.0));
+    zrColumnVector<V3> r(n);
+    const V3 b1 = Same(s.BetaBlend(1.0));
+    const V3 b0 = Same(s.BetaBlend(0.0));
+    const V3 bm1 = Same(s.BetaBlend(-1.0));
+    for (int row = 0; row < n; ++row) {
+      a(row, Wrap(row - 2, n)) += b1;
+      a(row, Wrap(row - 1, n)) += b0;
+      a(row, row) += bm1;
+      r[row] = q[row];
+    }
+    zrColumnVector<V3> xd;
+    a.SolveEquationGaussMethod(xd, r);
+    x = xd;
   }
-  zrColumnVector<V3> x;
-  a.SolveEquationGaussMethod(x, r);
   zrVector<V3> ctrl(n + 3);
   for (int c = 0; c < n + 3; ++c) ctrl[c] = x[Wrap(c - 2, n)];
   out.Move(ctrl);
@@ -243,11 +300,14 @@ void BetaCurve::Resample(int m, bool closed, zrVector<V3>& out) const {
   const double L = GetLength() / m;
   const double D = 1.0 / m;
   const int wanted = closed ? m : m - 1;
-  out.Clear();
+  // Gathered aside and handed over in one block of the final size: the vector grows by
+  // exact steps, so appending one sample at a time would copy all the earlier ones.
+  std::vector<V3> samples;
+  samples.reserve(static_cast<std::size_t>(m));
   double tp = 0;
   V3 prev = (*this)(0.0);
-  out.push_back(prev);
-  while (out.Len() < wanted) {
+  samples.push_back(prev);
+  while (static_cast<int>(samples.size()) < wanted) {
     double step = D;
     int dir = 1;
     double t = tp + D < 1 ? tp + D : 1.0;
@@ -265,9 +325,12 @@ void BetaCurve::Resample(int m, bool closed, zrVector<V3>& out) const {
     if (t == 1.0) break;
     tp = t;
     prev = (*this)(t);
-    out.push_back(prev);
+    samples.push_back(prev);
   }
-  if (!closed) out.push_back((*this)(1.0));
+  if (!closed) samples.push_back((*this)(1.0));
+  zrColumnVector<V3> block(static_cast<int>(samples.size()));
+  std::copy(samples.begin(), samples.end(), block.GetPointer());
+  out.Move(block);
 }
 
 void BetaCurve::Rebuild(int m) {
