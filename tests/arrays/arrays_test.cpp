@@ -219,23 +219,6 @@ TEST(SimpleArray, EditsReallocateExactlyAndKeepTheOldValues) {
   EXPECT_EQ(Values(d), (V{5, 9, 1, 8, 7}));
 }
 
-TEST(SimpleArray, GrowthIntoHiddenRoomStaysExactAndPrivate) {
-  Ints a;  // a sole owner: its block grows into the room of its allocation and past it
-  for (int i = 0; i < 1000; ++i) a.push_back(i);
-  const Ints first = a.Left(1000);  // a sharer spanning the block: the next growth copies
-  a.push_back(1000);
-  EXPECT_TRUE(BlockCount(a) == 1001 && a[999] == 999 && a[1000] == 1000);
-  EXPECT_TRUE(BlockCount(first) == 1000 && first.GetMem() != a.GetMem());
-  while (a.Len() > 3) a.RemoveLast();  // in place, and given back below half the room
-  a.Concat(a);
-  a.push_back(7);
-  EXPECT_EQ(Held(a), std::pair(V{0, 1, 2, 0, 1, 2, 7}, 7));
-#if defined(ZR_DETAIL_ASAN)
-  // The room past the last element is out of bounds all the same.
-  EXPECT_DEATH(static_cast<void>(*static_cast<volatile int*>(a.end())), "AddressSanitizer");
-#endif
-}
-
 TEST(SimpleArray, OutOfRangeTexts) {
   Ints a = Of({1, 2, 3});
   Ints window = a.Left(2), v;

@@ -40,7 +40,7 @@ TEST(CountedBlock, HeaderHoldsTheCountAndTheMark) {
             "Invalid parameters : zrDecMemRef : Number of reference <= 0.");
   EXPECT_EQ(Holders(q), 0);  // lowered, and the block is still there
   q[2] = 1.5;                // the last element fits the allocation
-  zrDeleteWithRef(q);        // a count at or below 0 still frees, from the start of the block
+  zrDeleteWithRef(q);        // a count at or below 0 still frees, from the start of the header
 
   EXPECT_EQ(BadParametersText([&] { zrNewWithRef(q, 0); }),
             "Invalid parameters : zrNewWithRef : n <= 0 ");

@@ -100,8 +100,6 @@ class ZR_API zrPArray : public zrRefCount {
   void InitMem(void* const block) { mem_ = block; }
   // Forgets the block without releasing it.
   void FreeMem() { mem_ = nullptr; }
-  // The block pointer, read without the virtual call (for the inline fast paths).
-  void* Block() const { return mem_; }
   /// The block switch of arrays whose blocks hold elements of type T: the same block
   /// again changes nothing; otherwise the new block is counted (one without the mark is
   /// refused before anything changes) and the old one released, freed with its elements

@@ -21,19 +21,11 @@
 /// first write: the copy runs back to front when the target starts inside the source,
 /// front to back otherwise, so it costs nothing extra and still writes in place.
 ///
-/// Growth is exact: there is no visible spare capacity, and after each length change the
-/// array's block is exactly the new length for everyone who looks at it (its count, the
-/// holders, the range checks, the flat form). A shared array, a window and an array of
-/// elements of class type get a new block and copy. A sole owner of trivially copyable
-/// elements that spans its block has the block resized instead, and that block may keep
-/// hidden room in its allocation (zr::detail::ResizeSoleBlock in zr/core/memory.h): a
-/// growth that fits the room allocates nothing, one that does not asks for half as much
-/// again, so that a run of push_back, Insert or Concat costs amortised constant time per
-/// element; a shrink to less than half the room gives the memory back. Only a sole owner
-/// ever grows into the room, so no other holder's elements are ever touched. A length
-/// that grows past INT_MAX (Insert, push_back, Concat, Replace, Fusion) is an allocation
-/// that cannot be made: it throws zrErrNoMemory with the byte count of that block, and
-/// the array is left as it was.
+/// Growth is exact: there is no spare capacity, and each length change makes a block of
+/// exactly the new length (a sole owner of trivially copyable elements may have its block
+/// resized where it lies instead of copied). A length that grows past INT_MAX (Insert,
+/// push_back, Concat, Replace, Fusion) is an allocation that cannot be made: it throws
+/// zrErrNoMemory with the byte count of that block, and the array is left as it was.
 ///
 /// Elements of class type are default-constructed with their block and destroyed with it;
 /// they are copied with their own assignment. Elements of trivial types are left
@@ -44,8 +36,6 @@
 /// program may instantiate it for a type of its own by including
 /// zr/arrays/simple_array_impl.h.
 #pragma once
-
-#include <type_traits>
 
 #include "zr/arrays/parray.h"
 #include "zr/core/core.h"
@@ -170,17 +160,7 @@ class ZR_API zrSimpleArray : public zrPArray {
   void RemoveLast();
   void pop_back() { RemoveLast(); }
   /// Appends value (which may be an element of this array).
-  void push_back(const T& value) {
-    // A sole owner with room left in its allocation appends without a call.
-    if constexpr (std::is_trivially_copyable_v<T>) {
-      if (zr::detail::AppendsInPlace(Block(), p_, n_, sizeof(T))) {
-        p_[n_] = value;  // the storage stays where it is, so value is still valid
-        ++n_;
-        return;
-      }
-    }
-    Append(value);
-  }
+  void push_back(const T& value);
   void Concat(T value) { push_back(value); }
   /// Appends other's elements (other may be this array).
   void Concat(const zrSimpleArray& other);
@@ -235,11 +215,8 @@ class ZR_API zrSimpleArray : public zrPArray {
 
  private:
   // Makes a new block of n elements, copies the first `keep` elements from the current
-  // origin and switches to it; the current block is released. A sole owner of trivially
-  // copyable elements whose origin starts its block has the block resized instead.
+  // origin and switches to it; the current block is released.
   void Reallocate(int n, int keep);
-  // push_back by way of ReSet.
-  void Append(const T& value);
 
   T* p_ = nullptr;  // element 0; null for an empty array
   int n_ = 0;       // number of elements

@@ -7,6 +7,9 @@
 #include <algorithm>
 #include <cstdint>
 #include <cstring>
+#if defined(__GLIBC__)
+#include <malloc.h>
+#endif
 #include <type_traits>
 #include <utility>
 
@@ -109,6 +112,26 @@ void MoveElement(T* p, int from, int to) {
 // and spans it exactly, so that the block may be resized where it lies.
 inline bool SoleWholeBlock(const void* mem, const void* p, int n) {
   return mem && mem == p && BlockHeader(mem)[0] == 1 && BlockCount(mem) == n;
+}
+
+// Resizes such a block from n to m elements of `size` bytes and returns its (possibly
+// moved) user pointer. The block stays exactly m elements long; when growing, an
+// allocation that already has room (the C library rounds sizes up) is kept as it is,
+// which is what realloc would do with it.
+inline void* ResizeSoleBlock(void* mem, int n, int m, std::size_t size) {
+  const std::uint64_t bytes = static_cast<std::uint64_t>(m) * size + kBlockHeader;
+  char* const old = static_cast<char*>(mem) - kBlockHeader;
+#if defined(__GLIBC__)
+  if (m > n && malloc_usable_size(old) >= bytes) {
+    BlockHeader(mem)[1] = -m;
+    return mem;
+  }
+#else
+  static_cast<void>(n);
+#endif
+  char* const base = static_cast<char*>(zrRealloc(old, bytes));
+  reinterpret_cast<std::int32_t*>(base)[1] = -m;
+  return base + kBlockHeader;
 }
 
 }  // namespace zr::detail
@@ -233,8 +256,7 @@ template <class T>
 void zrSimpleArray<T>::Reallocate(int n, int keep) {
   if constexpr (std::is_trivially_copyable_v<T>) {
     // A sole owner whose origin starts a block of exactly its length can have the block
-    // resized where it lies (or grown into the room its allocation keeps): the result is
-    // the same exact-size private block.
+    // resized where it lies: the result is the same exact-size private block.
     void* const mem = GetMem();
     if (zr::detail::SoleWholeBlock(mem, p_, n_)) {
       T* const block = static_cast<T*>(zr::detail::ResizeSoleBlock(mem, n_, n, sizeof(T)));
@@ -384,7 +406,7 @@ void zrSimpleArray<T>::RemoveLast() {
 }
 
 template <class T>
-void zrSimpleArray<T>::Append(const T& value) {
+void zrSimpleArray<T>::push_back(const T& value) {
   // value may be an element, and the storage is about to move.
   const T v = value;  // NOLINT(performance-unnecessary-copy-initialization)
   ReSet(zr::detail::GrownLength(std::int64_t{n_} + 1, sizeof(T)));

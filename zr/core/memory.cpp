@@ -1,15 +1,11 @@
 #include "zr/core/memory.h"
 
-#include <algorithm>
 #include <cstdint>
 #include <cstdlib>
 #include <limits>
 
 #if defined(__linux__)
 #include <sys/mman.h>
-#endif
-#if defined(ZR_DETAIL_ASAN)
-#include <sanitizer/asan_interface.h>
 #endif
 
 #include "zr/core/detail/fault_injection.h"
@@ -143,72 +139,19 @@ long LiveAllocations() { return Faults().live; }
 namespace zr::detail {
 
 void* NewBlock(std::int32_t n, std::uint64_t size, std::int32_t holders) {
-  const std::uint64_t bytes = static_cast<std::uint64_t>(n) * size;
-  char* const user = static_cast<char*>(zrMalloc(bytes + kBlockPrefix)) + kBlockPrefix;
-  BlockRoom(user) = bytes;
-  BlockHeader(user)[0] = holders;
-  BlockHeader(user)[1] = -n;
-  return user;
+  const std::uint64_t bytes = static_cast<std::uint64_t>(n) * size + kBlockHeader;
+  auto* const header = static_cast<std::int32_t*>(zrMalloc(bytes));
+  header[0] = holders;
+  header[1] = -n;
+  return header + 2;
 }
 
 void FreeBlock(const void* user) noexcept {
   auto* const base = static_cast<char*>(const_cast<void*>(user));
-  zrFree(BlockMark(user) < 0 ? base - kBlockPrefix : base - 4);
+  zrFree(BlockMark(user) < 0 ? base - kBlockHeader : base - 4);
 }
 
 void ThrowNewWithRefCount() { throw BadParameters("zrNewWithRef : n <= 0 "); }
-
-namespace {
-
-// The room past the visible elements is out of bounds for a sanitised build: poisoned
-// when it is left behind, unpoisoned as the length grows into it.
-void Hide(char* from, std::uint64_t bytes) {
-#if defined(ZR_DETAIL_ASAN)
-  if (bytes > 0) __asan_poison_memory_region(from, static_cast<std::size_t>(bytes));
-#else
-  static_cast<void>(from), static_cast<void>(bytes);
-#endif
-}
-
-void Show(char* from, std::uint64_t bytes) {
-#if defined(ZR_DETAIL_ASAN)
-  __asan_unpoison_memory_region(from, static_cast<std::size_t>(bytes));
-#else
-  static_cast<void>(from), static_cast<void>(bytes);
-#endif
-}
-
-}  // namespace
-
-void* ResizeSoleBlock(void* user, std::int32_t n, std::int32_t m, std::uint64_t size) {
-  char* const at = static_cast<char*>(user);
-  const std::uint64_t had = static_cast<std::uint64_t>(n) * size;
-  const std::uint64_t bytes = static_cast<std::uint64_t>(m) * size;
-  const std::uint64_t room = BlockRoom(user);
-  if (m > n ? bytes <= room : bytes >= room - room / 2) {
-    if (m > n) {
-      Show(at + had, bytes - had);
-    } else {
-      Hide(at + bytes, had - bytes);
-    }
-    BlockHeader(user)[1] = -m;
-    return user;
-  }
-  const std::uint64_t most = std::uint64_t{INT32_MAX} * size;
-  const std::uint64_t want = m > n ? std::max(bytes, std::min(had + had / 2, most)) : bytes;
-  char* base = nullptr;
-  try {
-    base = static_cast<char*>(zrRealloc(at - kBlockPrefix, want + kBlockPrefix));
-  } catch (const zrErrNoMemory&) {
-    if (want == bytes) throw;
-    throw zrErrNoMemory(bytes + kBlockPrefix);
-  }
-  char* const moved = base + kBlockPrefix;
-  BlockRoom(moved) = want;
-  BlockHeader(moved)[1] = -m;
-  Hide(moved + bytes, want - bytes);
-  return moved;
-}
 
 }  // namespace zr::detail
 

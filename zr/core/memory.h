@@ -7,8 +7,6 @@
 /// A reference-counted block is one zrMalloc allocation holding an 8-byte header in
 /// front of its elements. Users hold the address of element 0 (the "user pointer"):
 ///
-///   user - 16  uint64  the room: how many bytes of elements the allocation can hold
-///                      (the library's own bookkeeping, see below)
 ///   user - 8   int32   holder count, 1 when the block is made
 ///   user - 4   int32   minus the element count n (n >= 1); the negative sign marks a
 ///                      block that zrNewWithRef made
@@ -17,16 +15,8 @@
 /// Sharing a block costs one increment of the holder count and no separate control
 /// block. The counts are plain integers: no block may be used from two threads at once.
 ///
-/// The block is exactly n elements long: its mark, every holder and every check see n.
-/// The room is at least n * sizeof(T) and is exactly that for a block zrNewWithRef made;
-/// only an array that is the sole holder of a block and grows it (ResizeSoleBlock below)
-/// leaves room past the last element, which it then grows into without allocating. Nothing
-/// else may read or write past the n elements, and a build with AddressSanitizer reports
-/// it if something does.
-///
-/// Element 0 sits 16 bytes into a malloc'ed region, so it is 16-byte aligned where malloc
-/// gives that and 8-byte aligned in any case; element types that need more than 8 are
-/// refused at compile time.
+/// Element 0 sits 8 bytes into a malloc'ed region, so it is 8-byte aligned; element types
+/// that need more alignment are refused at compile time.
 #pragma once
 
 #include <cstddef>
@@ -49,18 +39,7 @@ ZR_API void zrFree(void* p);
 
 namespace zr::detail {
 
-// The header in front of element 0 (holder count and mark), and the whole prefix of the
-// allocation (room word and header).
 constexpr std::uint64_t kBlockHeader = 8;
-constexpr std::uint64_t kBlockPrefix = 16;
-
-#if defined(__SANITIZE_ADDRESS__)
-#define ZR_DETAIL_ASAN 1
-#elif defined(__has_feature)
-#if __has_feature(address_sanitizer)
-#define ZR_DETAIL_ASAN 1
-#endif
-#endif
 
 inline std::int32_t* BlockHeader(const void* user) {
   return static_cast<std::int32_t*>(const_cast<void*>(user)) - 2;
@@ -75,60 +54,13 @@ inline std::int32_t BlockCount(const void* user) {
   return mark < 0 ? -mark : mark;
 }
 
-// The bytes of elements the allocation of a counted block can hold.
-inline std::uint64_t& BlockRoom(const void* user) {
-  return *reinterpret_cast<std::uint64_t*>(static_cast<char*>(const_cast<void*>(user)) -
-                                           kBlockPrefix);
-}
-
 // Allocates a block of n elements of `size` bytes with the given holder count and
 // returns its user pointer; n >= 1 is the caller's business. The elements are raw.
 ZR_API void* NewBlock(std::int32_t n, std::uint64_t size, std::int32_t holders);
 
-// Frees the whole allocation behind a user pointer: at user - 16 for a counted block,
+// Frees the whole allocation behind a user pointer: at user - 8 for a counted block,
 // at user - 4 for memory without the mark.
 ZR_API void FreeBlock(const void* user) noexcept;
-
-// Resizes the counted block at user from n to m elements of `size` bytes (1 <= m) for
-// an array that is its only holder and spans it whole, and returns its user pointer,
-// which may have moved; the first min(n, m) elements are kept, the mark becomes -m and
-// the holder count stays. The block is exactly m elements long for everyone who looks
-// at it; underneath, the allocation may be longer:
-//   - growth within the room takes no allocation at all (and so is no failure point of
-//     the fault schedule);
-//   - growth past the room asks for half as much again as the block had (at least what
-//     m needs, at most INT32_MAX elements), so that a run of single appends costs
-//     amortised constant time instead of a copy each; the C library grows the allocation
-//     where it lies or moves it, large ones by remapping their pages. If that is
-//     refused, zrErrNoMemory reports the size an exact growth would have asked for, and
-//     the block is left as it was;
-//   - shrinking to half the room or more keeps the allocation; below that it is given
-//     back down to the exact size.
-// Under AddressSanitizer the room past the last element is poisoned.
-ZR_API void* ResizeSoleBlock(void* user, std::int32_t n, std::int32_t m, std::uint64_t size);
-
-// The append of one element that needs no allocation: true, with the mark set to
-// -(n + 1), when the array with origin p and n elements of `size` bytes is the sole
-// holder of block mem, spans it whole and the room has space for one more; false, with
-// nothing changed, otherwise. The caller writes the new element. (A sanitised build
-// always answers false, so that ResizeSoleBlock unpoisons the element first.)
-inline bool AppendsInPlace(void* mem, const void* p, std::int32_t n, std::uint64_t size) {
-#if defined(ZR_DETAIL_ASAN)
-  static_cast<void>(mem), static_cast<void>(p), static_cast<void>(n), static_cast<void>(size);
-  return false;
-#else
-  if (!mem || mem != p) return false;
-  std::int32_t* const header = BlockHeader(mem);
-  // The room never holds more than INT32_MAX elements, so n + 1 stays a length. (The two
-  // words are read apart: one wide read of both could not take the mark from the last
-  // append's narrower write still on its way to memory, and would stall on it.)
-  if (header[0] != 1 || header[1] != -n ||
-      (static_cast<std::uint64_t>(n) + 1) * size > BlockRoom(mem))
-    return false;
-  header[1] = -(n + 1);
-  return true;
-#endif
-}
 
 [[noreturn]] ZR_API void ThrowNewWithRefCount();
 
