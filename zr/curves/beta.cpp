@@ -6,6 +6,7 @@
 #include <limits>
 #include <vector>
 
+#include "zr/core/detail/allocator.h"
 #include "zr/curves/detail/beta_band.h"
 
 namespace zr::detail {
@@ -57,8 +58,8 @@ void OpenControl(const BetaSpline& s, const zrVector<V3>& q, zrVector<V3>& out) 
   const double bm2 = s.BetaBlend(-2.0);
   if (n >= 4) {
     // The banded kernel first (see detail/beta_band.h); it declines at the plain level.
-    std::vector<BandRow> rows(N);
-    std::vector<V3> rhs(N);
+    Vector<BandRow> rows(N);
+    Vector<V3> rhs(N);
     const auto set = [&](int row, int lo, std::initializer_list<double> v) {
       rows[row].lo = lo;
       rows[row].count = static_cast<int>(v.size());
@@ -104,8 +105,8 @@ bool ClosedBand(const BetaSpline& s, const zrVector<V3>& q, V3* x) {
   const int n = q.Len();
   if (n < 8) return false;
   const double coef[3] = {s.BetaBlend(1.0), s.BetaBlend(0.0), s.BetaBlend(-1.0)};
-  std::vector<BandRow> rows(n);
-  std::vector<V3> rhs(n);
+  Vector<BandRow> rows(n);
+  Vector<V3> rhs(n);
   for (int row = 0; row < n; ++row) {
     BandRow& br = rows[row];
     br.lo = row < 2 ? 0 : row - 2;
@@ -302,7 +303,7 @@ void BetaCurve::Resample(int m, bool closed, zrVector<V3>& out) const {
   const int wanted = closed ? m : m - 1;
   // Gathered aside and handed over in one block of the final size: the vector grows by
   // exact steps, so appending one sample at a time would copy all the earlier ones.
-  std::vector<V3> samples;
+  zr::detail::Vector<V3> samples;
   samples.reserve(static_cast<std::size_t>(m));
   double tp = 0;
   V3 prev = (*this)(0.0);

@@ -2,8 +2,8 @@
 
 #include <algorithm>
 #include <cmath>
-#include <vector>
 
+#include "zr/core/detail/allocator.h"
 #include "zr/core/detail/machine.h"
 #include "zr/linalg/matrix.h"
 
@@ -52,8 +52,8 @@ bool SolveBand(int n, int tail, BandRow* rows, const V3* rhs, V3* x) {
   const int first_tail = band.FirstTail();
 
   BandRow* const a = rows;
-  std::vector<V3> b(rhs, rhs + n);
-  std::vector<int> perm(n), place(n), order(n), start(n + 1, 0);
+  Vector<V3> b(rhs, rhs + n);
+  Vector<int> perm(n), place(n), order(n), start(n + 1, 0);
   for (int r = 0; r < n; ++r) {
     a[r].fill = 0.0;
     perm[r] = place[r] = r;
@@ -63,7 +63,7 @@ bool SolveBand(int n, int tail, BandRow* rows, const V3* rhs, V3* x) {
   for (int c = 0; c < n; ++c) start[c + 1] += start[c];
   for (int r = 0; r < n; ++r) order[start[a[r].lo]++] = r;
 
-  std::vector<int> active, cand;
+  Vector<int> active, cand;
   int joined = 0;
   for (int k = 0; k < n; ++k) {
     while (joined < n && a[order[joined]].lo <= k) active.push_back(order[joined++]);
@@ -135,8 +135,8 @@ bool SolveBand(int n, int tail, BandRow* rows, const V3* rhs, V3* x) {
   // solution coordinates c with the sign bit set among columns m ... first_tail - 1, and
   // bad[c] is the highest of those columns whose coordinate c is not finite (-1 if none):
   // its product is NaN, which the later products leave as it is.
-  std::vector<V3> r(n);
-  std::vector<int> neg[3];
+  Vector<V3> r(n);
+  Vector<int> neg[3];
   for (auto& cnt : neg) cnt.assign(first_tail + 1, 0);
   int bad[3] = {-1, -1, -1};
   for (int i = n - 1; i >= 0; --i) {
