@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <cstdlib>
 #include <string>
 #include <vector>
 
@@ -26,9 +27,14 @@ void dgtsv_(const int* n, const int* nrhs, double* dl, double* d, double* du, do
 
 namespace {
 
+// The build and the core whose kernels run: OpenBLAS chooses the core when it loads,
+// unless OPENBLAS_CORETYPE names one, which the context then records as well.
 const bool registered = [] {
   openblas_set_num_threads(1);
   benchmark::AddCustomContext("peer_openblas", openblas_get_config());
+  benchmark::AddCustomContext("peer_openblas_core", openblas_get_corename());
+  if (const char* forced = std::getenv("OPENBLAS_CORETYPE"))
+    benchmark::AddCustomContext("peer_openblas_coretype", forced);
   return true;
 }();
 
