@@ -9,7 +9,10 @@ Every program runs with --benchmark_format=json, single-threaded peers
 table. A row's time is the fastest repetition's CPU time per iteration (the least disturbed
 by other work on the machine); every implementation of a row does the same work, so the
 ratio of two times is the ratio of two rates. Ratios are written so that > 1 means zr is
-the faster. Python 3 standard library only.
+the faster. A GFLOP/s figure is also given as a share of the machine's peak, which every
+program measures when it starts (one thread, separate multiplies and adds at the widest
+vector level the library runs; the highest of the programs' measurements). Python 3
+standard library only.
 """
 
 import argparse
@@ -131,8 +134,9 @@ def run_program(path, name, flt, args):
 
 
 def collect(args):
-    """Returns ({run name: fastest repetition}, merged context)."""
-    runs, context, errors = {}, {}, []
+    """Returns ({run name: fastest repetition}, merged context, failed benchmarks); the
+    context's peak is the highest any program measured."""
+    runs, context, errors, peaks = {}, {}, [], []
     if args.json_dir:
         os.makedirs(args.json_dir, exist_ok=True)
     for name, flt in PROGRAMS:
@@ -150,6 +154,8 @@ def collect(args):
                 continue
             data = run_program(path, name, flt, args)
         context.update(data.get("context", {}))
+        if "zr_peak_gflops" in data.get("context", {}):
+            peaks.append(float(data["context"]["zr_peak_gflops"]))
         for b in data.get("benchmarks", []):
             if b.get("error_occurred"):
                 errors.append("%s (%s)" % (b["name"], b.get("error_message", "")))
@@ -160,14 +166,20 @@ def collect(args):
             key = b.get("run_name", b["name"])
             if key not in runs or b["seconds"] < runs[key]["seconds"]:
                 runs[key] = b
+    if peaks:
+        context["zr_peak_gflops"] = max(peaks)
     return runs, context, sorted(set(errors))
 
 
-def show(run, unit):
+def show(run, unit, peak=None):
+    """The rate of a run; a GFLOP/s figure with its share of the peak where it is known."""
     if run is None:
         return None
     if unit == "flops":
-        return "%.2f GFLOP/s" % (run["FLOP/s"] / 1e9)
+        gflops = run["FLOP/s"] / 1e9
+        if peak:
+            return "%.2f GFLOP/s (%.0f%% of peak)" % (gflops, 100 * gflops / peak)
+        return "%.2f GFLOP/s" % gflops
     return "%.3g %s" % (1e9 / run["items_per_second"], unit)
 
 
@@ -197,7 +209,7 @@ def differs(a, b):
     return abs(a - b) > 1e-6 * max(abs(a), abs(b))
 
 
-def table(runs):
+def table(runs, peak=None):
     def get(case, impl, n):
         return runs.get("%s/%s/%d" % (case, impl, n))
 
@@ -220,7 +232,7 @@ def table(runs):
                         label, size, zr["check"], title, run["check"]))
             if found:
                 best, title = min(found, key=lambda item: item[0]["seconds"])
-                peer_text = "%s: %s" % (title, show(best, unit))
+                peer_text = "%s: %s" % (title, show(best, unit, peak))
                 best_ratio = fmt_ratio(ratio(best, zr))
             else:
                 peer_text, best_ratio = "(no peer built)", "-"
@@ -244,7 +256,7 @@ def table(runs):
             elif verdict == "missed":
                 missed_count += 1
             lines.append("| %s | %s | %s | %s | %s | %s | %s | %s |" % (
-                label + mark, size, show(zr, unit), peer_text, best_ratio, loop_text,
+                label + mark, size, show(zr, unit, peak), peer_text, best_ratio, loop_text,
                 "; ".join(goals), verdict))
     return lines, met_count, missed_count, mismatches
 
@@ -314,7 +326,18 @@ def machine(context):
     parts.append("peers: " + ", ".join(("%s %s" % (title, context[key])).strip()
                                        for title, key in peers if key in context))
     parts.append("run %s" % context.get("date", datetime.datetime.now().isoformat()))
-    return "; ".join(parts)
+    lines = ["; ".join(parts)]
+    if "zr_peak_gflops" in context:
+        lines.append("Peak: %.1f GFLOP/s, one thread, separate multiplies and adds (%s); fused "
+                     "multiply-adds may exceed it on a core whose multiplies and adds share their "
+                     "units." % (float(context["zr_peak_gflops"]),
+                                                context.get("zr_peak_path", "?")))
+    if "peer_openblas_core" in context:
+        forced = context.get("peer_openblas_coretype")
+        lines.append("OpenBLAS kernels: %s (%s)." % (
+            context["peer_openblas_core"],
+            "forced by OPENBLAS_CORETYPE=%s" % forced if forced else "chosen by OpenBLAS"))
+    return "\n".join(lines)
 
 
 def main():
@@ -324,7 +347,8 @@ def main():
     runs, context, errors = collect(args)
     if not runs:
         sys.exit("no results: build the benchmarks first (cmake --preset bench-native)")
-    lines, met, missed, mismatches = table(runs)
+    peak = float(context["zr_peak_gflops"]) if "zr_peak_gflops" in context else None
+    lines, met, missed, mismatches = table(runs, peak)
     print("\n".join(lines))
     print()
     print(machine(context))
