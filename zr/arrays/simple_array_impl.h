@@ -151,7 +151,9 @@ inline void* ResizeSoleBlock(void* mem, int n, int m, std::size_t size, int& roo
   }
   std::int64_t want = m;
 #if defined(__GLIBC__)
-  if (m > n) want = std::max<std::int64_t>(m, std::min<std::int64_t>(INT32_MAX, room + room / 2));
+  if (m > n)
+    want =
+        std::max<std::int64_t>(m, std::min<std::int64_t>(INT32_MAX, std::int64_t{room} + room / 2));
 #endif
   char* const base = static_cast<char*>(
       zrRealloc(elements - kBlockHeader, static_cast<std::uint64_t>(want) * size + kBlockHeader));
