@@ -219,6 +219,22 @@ TEST(SimpleArray, EditsReallocateExactlyAndKeepTheOldValues) {
   EXPECT_EQ(Values(d), (V{5, 9, 1, 8, 7}));
 }
 
+TEST(SimpleArray, AppendsIntoSpareRoomKeepTheCountExactAndSharersTheirElements) {
+  Ints a;
+  for (int i = 0; i < 100; ++i) a.push_back(i);
+  const Ints w = a.Left(100);  // a sharer: the next append takes a private block
+  a.push_back(100);
+  a[0] = -1;
+  EXPECT_EQ(std::pair(BlockCount(w), w[0]), std::pair(100, 0));
+  for (int i = 0; i < 3; ++i) a.pop_back();
+  a.push_back(7);
+  EXPECT_EQ(Held(a.Right(2)), std::pair(V{97, 7}, 99));
+  Ints one = Of({1});
+  a.Move(one);  // what is known of the old allocation's room goes with it
+  for (int i = 0; i < 40; ++i) a.push_back(i);
+  EXPECT_EQ(Held(a.Right(1)), std::pair(V{39}, 41));
+}
+
 TEST(SimpleArray, OutOfRangeTexts) {
   Ints a = Of({1, 2, 3});
   Ints window = a.Left(2), v;

@@ -21,10 +21,14 @@
 /// first write: the copy runs back to front when the target starts inside the source,
 /// front to back otherwise, so it costs nothing extra and still writes in place.
 ///
-/// Growth is exact: there is no spare capacity, and each length change makes a block of
-/// exactly the new length (a sole owner of trivially copyable elements may have its block
-/// resized where it lies instead of copied). A length that grows past INT_MAX (Insert,
-/// push_back, Concat, Replace, Fusion) is an allocation that cannot be made: it throws
+/// Growth is exact: each length change makes a block of exactly the new length, as its
+/// header counts it. A sole owner of trivially copyable elements whose origin starts its
+/// block and whose length spans it has the block resized where it lies instead; then the
+/// allocation underneath may be larger than the block (with the C library that can tell
+/// its size, growth past the allocation asks for half as much again, and a shrink that
+/// keeps at least half of it keeps it), so a run of push_backs costs amortised constant
+/// time and, while there is room, no call into the library at all. A length that grows past INT_MAX
+/// (Insert, push_back, Concat, Replace, Fusion) is an allocation that cannot be made: it throws
 /// zrErrNoMemory with the byte count of that block, and the array is left as it was.
 ///
 /// Elements of class type are default-constructed with their block and destroyed with it;
@@ -114,7 +118,10 @@ class ZR_API zrSimpleArray : public zrPArray {
   /// a block checks nothing.
   void SetDirectly(T* p, int n, const zrPArray& holder);
   /// Moves the origin only.
-  void SetPointer(T* p) { p_ = p; }
+  void SetPointer(T* p) {
+    p_ = p;
+    room_ = 0;
+  }
   /// A shared or externally viewed array takes a private copy of its elements.
   void Copy() override;
 
@@ -160,7 +167,20 @@ class ZR_API zrSimpleArray : public zrPArray {
   void RemoveLast();
   void pop_back() { RemoveLast(); }
   /// Appends value (which may be an element of this array).
-  void push_back(const T& value);
+  void push_back(const T& value) {
+    if constexpr (std::is_trivially_copyable_v<T>) {
+      // A known room means the origin starts this array's block; it grows where it lies
+      // while the array is its only holder and spans it.
+      if (n_ < room_ && zr::detail::BlockHeader(p_)[0] == 1 && zr::detail::BlockMark(p_) == -n_) {
+        zr::detail::BlockHeader(p_)[1] = -(n_ + 1);
+        zr::detail::MarkUsable(p_ + n_, p_ + n_ + 1);
+        p_[n_] = value;
+        ++n_;
+        return;
+      }
+    }
+    Append(value);
+  }
   void Concat(T value) { push_back(value); }
   /// Appends other's elements (other may be this array).
   void Concat(const zrSimpleArray& other);
@@ -217,9 +237,15 @@ class ZR_API zrSimpleArray : public zrPArray {
   // Makes a new block of n elements, copies the first `keep` elements from the current
   // origin and switches to it; the current block is released.
   void Reallocate(int n, int keep);
+  // push_back without room in the allocation.
+  void Append(const T& value);
 
   T* p_ = nullptr;  // element 0; null for an empty array
   int n_ = 0;       // number of elements
+  // The elements the allocation behind the block can hold, once learnt by a resize where
+  // the block lies; 0 when not known. Not 0 only while p_ starts the block this array
+  // holds: every switch of the block or of the origin forgets it.
+  int room_ = 0;
 };
 
 /// The element types the library instantiates the array for.

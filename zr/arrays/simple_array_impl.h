@@ -114,24 +114,55 @@ inline bool SoleWholeBlock(const void* mem, const void* p, int n) {
   return mem && mem == p && BlockHeader(mem)[0] == 1 && BlockCount(mem) == n;
 }
 
-// Resizes such a block from n to m elements of `size` bytes and returns its (possibly
-// moved) user pointer. The block stays exactly m elements long; when growing, an
-// allocation that already has room (the C library rounds sizes up) is kept as it is,
-// which is what realloc would do with it.
-inline void* ResizeSoleBlock(void* mem, int n, int m, std::size_t size) {
-  const std::uint64_t bytes = static_cast<std::uint64_t>(m) * size + kBlockHeader;
-  char* const old = static_cast<char*>(mem) - kBlockHeader;
+// The elements of `size` bytes that the allocation behind a counted block can hold. The C
+// library knows (it rounds sizes up, and keeps the room that growth asked for); where it
+// cannot tell, the block's own count is all that is known.
+inline int BlockRoom(const void* mem, std::size_t size) {
 #if defined(__GLIBC__)
-  if (m > n && malloc_usable_size(old) >= bytes) {
+  const std::uint64_t usable =
+      malloc_usable_size(static_cast<char*>(const_cast<void*>(mem)) - kBlockHeader);
+  const std::uint64_t room = (usable - kBlockHeader) / size;
+  return room > INT32_MAX ? INT32_MAX : static_cast<int>(room);
+#else
+  return BlockCount(mem);
+#endif
+}
+
+// Resizes such a block from n to m elements of `size` bytes and returns its (possibly
+// moved) user pointer. room holds the elements its allocation can take (0 when not yet
+// known) and is kept up to date. The header's count becomes exactly m; the allocation
+// underneath is kept when m fits its room, unless a shrink would leave less than half of
+// it used, and growth past the room asks for half as much again as the room (where the
+// room can be learnt; elsewhere exactly m), so a run of appends moves the block a
+// logarithmic number of times. A failed reallocation leaves the block as it was.
+inline void* ResizeSoleBlock(void* mem, int n, int m, std::size_t size, int& room) {
+  char* const elements = static_cast<char*>(mem);
+  if (room < n) room = BlockRoom(mem, size);
+  if (m <= room && (m > n || m >= room / 2)) {
     BlockHeader(mem)[1] = -m;
+    if (m > n) {
+      MarkUsable(elements + static_cast<std::size_t>(n) * size,
+                 elements + static_cast<std::size_t>(m) * size);
+    } else {
+      MarkUnusable(elements + static_cast<std::size_t>(m) * size,
+                   elements + static_cast<std::size_t>(n) * size);
+    }
     return mem;
   }
-#else
-  static_cast<void>(n);
+  std::int64_t want = m;
+#if defined(__GLIBC__)
+  if (m > n)
+    want =
+        std::max<std::int64_t>(m, std::min<std::int64_t>(INT32_MAX, std::int64_t{room} + room / 2));
 #endif
-  char* const base = static_cast<char*>(zrRealloc(old, bytes));
+  char* const base = static_cast<char*>(
+      zrRealloc(elements - kBlockHeader, static_cast<std::uint64_t>(want) * size + kBlockHeader));
   reinterpret_cast<std::int32_t*>(base)[1] = -m;
-  return base + kBlockHeader;
+  char* const moved = base + kBlockHeader;
+  room = BlockRoom(moved, size);
+  MarkUnusable(moved + static_cast<std::size_t>(m) * size,
+               moved + static_cast<std::size_t>(room) * size);
+  return moved;
 }
 
 }  // namespace zr::detail
@@ -161,11 +192,12 @@ zrSimpleArray<T>::zrSimpleArray(const zrSimpleArray& other) : zrSimpleArray() {
 
 template <class T>
 zrSimpleArray<T>::zrSimpleArray(zrSimpleArray&& other) noexcept
-    : zrPArray(), p_(other.p_), n_(other.n_) {
+    : zrPArray(), p_(other.p_), n_(other.n_), room_(other.room_) {
   InitMem(other.GetMem());
   other.FreeMem();
   other.p_ = nullptr;
   other.n_ = 0;
+  other.room_ = 0;
 }
 
 template <class T>
@@ -198,6 +230,7 @@ zrSimpleArray<T>::~zrSimpleArray() {
 
 template <class T>
 void zrSimpleArray<T>::SetMem(void* const block) {
+  room_ = 0;
   SwitchMem<T>(block);
 }
 
@@ -208,10 +241,12 @@ void zrSimpleArray<T>::New(int n) {
   InitMem(block);
   p_ = block;
   n_ = n;
+  room_ = 0;
 }
 
 template <class T>
 void zrSimpleArray<T>::Free() {
+  room_ = 0;
   ReleaseMem<T>();
 }
 
@@ -221,6 +256,7 @@ void zrSimpleArray<T>::Move(zrSimpleArray& other) {
   SetMem(other.GetMem());
   p_ = other.p_;
   n_ = other.n_;
+  room_ = other.room_;
   other.Clear();
 }
 
@@ -259,7 +295,7 @@ void zrSimpleArray<T>::Reallocate(int n, int keep) {
     // resized where it lies: the result is the same exact-size private block.
     void* const mem = GetMem();
     if (zr::detail::SoleWholeBlock(mem, p_, n_)) {
-      T* const block = static_cast<T*>(zr::detail::ResizeSoleBlock(mem, n_, n, sizeof(T)));
+      T* const block = static_cast<T*>(zr::detail::ResizeSoleBlock(mem, n_, n, sizeof(T), room_));
       InitMem(block);
       p_ = block;
       n_ = n;
@@ -406,7 +442,7 @@ void zrSimpleArray<T>::RemoveLast() {
 }
 
 template <class T>
-void zrSimpleArray<T>::push_back(const T& value) {
+void zrSimpleArray<T>::Append(const T& value) {
   // value may be an element, and the storage is about to move.
   const T v = value;  // NOLINT(performance-unnecessary-copy-initialization)
   ReSet(zr::detail::GrownLength(std::int64_t{n_} + 1, sizeof(T)));

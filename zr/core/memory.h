@@ -12,6 +12,13 @@
 ///                      block that zrNewWithRef made
 ///   user + 0   n * sizeof(T) bytes of elements
 ///
+/// The header's count is always the exact element count, and zrNewWithRef allocates
+/// exactly n * sizeof(T) + 8 bytes. What lies beyond the last element is the allocator's
+/// business: a sole owner that grows its block (zrSimpleArray) may have the allocation
+/// underneath resized to more than its elements need, so that later growth finds room
+/// where the block lies. Under AddressSanitizer that room is kept poisoned until the count
+/// reaches it.
+///
 /// Sharing a block costs one increment of the holder count and no separate control
 /// block. The counts are plain integers: no block may be used from two threads at once.
 ///
@@ -27,6 +34,17 @@
 
 #include "zr/core/exceptions.h"
 #include "zr/core/export.h"
+
+#if defined(__SANITIZE_ADDRESS__)
+#define ZR_DETAIL_ASAN 1
+#elif defined(__has_feature)
+#if __has_feature(address_sanitizer)
+#define ZR_DETAIL_ASAN 1
+#endif
+#endif
+#if defined(ZR_DETAIL_ASAN)
+#include <sanitizer/asan_interface.h>
+#endif
 
 /// malloc(size); throws zrErrNoMemory(size) when it gives null. A size of 0 is passed on
 /// unchecked (the C library decides what it returns).
@@ -52,6 +70,26 @@ inline std::int32_t BlockMark(const void* user) { return BlockHeader(user)[1]; }
 inline std::int32_t BlockCount(const void* user) {
   const std::int32_t mark = BlockMark(user);
   return mark < 0 ? -mark : mark;
+}
+
+// Marks the bytes [begin, end) of an allocation as readable (Usable) or not (Unusable) for
+// AddressSanitizer; without it they do nothing. The room past a block's last element is
+// kept unusable, so that a read past the count is still reported.
+inline void MarkUsable(const void* begin, const void* end) {
+#if defined(ZR_DETAIL_ASAN)
+  __asan_unpoison_memory_region(begin, static_cast<std::size_t>(static_cast<const char*>(end) -
+                                                                static_cast<const char*>(begin)));
+#else
+  static_cast<void>(begin), static_cast<void>(end);
+#endif
+}
+inline void MarkUnusable(const void* begin, const void* end) {
+#if defined(ZR_DETAIL_ASAN)
+  __asan_poison_memory_region(begin, static_cast<std::size_t>(static_cast<const char*>(end) -
+                                                              static_cast<const char*>(begin)));
+#else
+  static_cast<void>(begin), static_cast<void>(end);
+#endif
 }
 
 // Allocates a block of n elements of `size` bytes with the given holder count and
