@@ -173,7 +173,7 @@ class ZR_API zrSimpleArray : public zrPArray {
       // while the array is its only holder and spans it.
       if (n_ < room_ && zr::detail::BlockHeader(p_)[0] == 1 && zr::detail::BlockMark(p_) == -n_) {
         zr::detail::BlockHeader(p_)[1] = -(n_ + 1);
-        zr::detail::MarkUsable(p_ + n_, p_ + n_ + 1);
+        zr::detail::MarkUsable(p_ + n_, p_ + n_ + 1, true);
         p_[n_] = value;
         ++n_;
         return;

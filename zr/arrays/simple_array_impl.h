@@ -140,13 +140,9 @@ inline void* ResizeSoleBlock(void* mem, int n, int m, std::size_t size, int& roo
   if (room < n) room = BlockRoom(mem, size);
   if (m <= room && (m > n || m >= room / 2)) {
     BlockHeader(mem)[1] = -m;
-    if (m > n) {
-      MarkUsable(elements + static_cast<std::size_t>(n) * size,
-                 elements + static_cast<std::size_t>(m) * size);
-    } else {
-      MarkUnusable(elements + static_cast<std::size_t>(m) * size,
-                   elements + static_cast<std::size_t>(n) * size);
-    }
+    // The elements between the two counts join the block or leave it.
+    MarkUsable(elements + static_cast<std::size_t>(std::min(n, m)) * size,
+               elements + static_cast<std::size_t>(std::max(n, m)) * size, m > n);
     return mem;
   }
   std::int64_t want = m;
@@ -160,8 +156,8 @@ inline void* ResizeSoleBlock(void* mem, int n, int m, std::size_t size, int& roo
   reinterpret_cast<std::int32_t*>(base)[1] = -m;
   char* const moved = base + kBlockHeader;
   room = BlockRoom(moved, size);
-  MarkUnusable(moved + static_cast<std::size_t>(m) * size,
-               moved + static_cast<std::size_t>(room) * size);
+  MarkUsable(moved + static_cast<std::size_t>(m) * size,
+             moved + static_cast<std::size_t>(room) * size, false);
   return moved;
 }
 

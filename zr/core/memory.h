@@ -72,23 +72,20 @@ inline std::int32_t BlockCount(const void* user) {
   return mark < 0 ? -mark : mark;
 }
 
-// Marks the bytes [begin, end) of an allocation as readable (Usable) or not (Unusable) for
-// AddressSanitizer; without it they do nothing. The room past a block's last element is
+// Marks the bytes [begin, end) of an allocation as readable (usable) or not for
+// AddressSanitizer; without it, does nothing. The room past a block's last element is
 // kept unusable, so that a read past the count is still reported.
-inline void MarkUsable(const void* begin, const void* end) {
+inline void MarkUsable(const void* begin, const void* end, bool usable) {
 #if defined(ZR_DETAIL_ASAN)
-  __asan_unpoison_memory_region(begin, static_cast<std::size_t>(static_cast<const char*>(end) -
-                                                                static_cast<const char*>(begin)));
+  const auto bytes =
+      static_cast<std::size_t>(static_cast<const char*>(end) - static_cast<const char*>(begin));
+  if (usable) {
+    __asan_unpoison_memory_region(begin, bytes);
+  } else {
+    __asan_poison_memory_region(begin, bytes);
+  }
 #else
-  static_cast<void>(begin), static_cast<void>(end);
-#endif
-}
-inline void MarkUnusable(const void* begin, const void* end) {
-#if defined(ZR_DETAIL_ASAN)
-  __asan_poison_memory_region(begin, static_cast<std::size_t>(static_cast<const char*>(end) -
-                                                              static_cast<const char*>(begin)));
-#else
-  static_cast<void>(begin), static_cast<void>(end);
+  static_cast<void>(begin), static_cast<void>(end), static_cast<void>(usable);
 #endif
 }
 
