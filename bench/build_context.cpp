@@ -159,6 +159,16 @@ const bool registered = [] {
   std::snprintf(gflops, sizeof gflops, "%.1f", peak.gflops);
   benchmark::AddCustomContext("zr_peak_gflops", gflops);
   benchmark::AddCustomContext("zr_peak_path", peak.path);
+  // The core as the kernels' blocking sees it.
+  const zr::detail::CoreInfo& core = zr::detail::ThisCore();
+  char text[160];
+  std::snprintf(text, sizeof text, "%s family %xh model %xh, L1d %ld KiB, L2 %ld KiB, 512-bit %s",
+                core.vendor[0] ? core.vendor : "?", core.family, core.model, core.l1d >> 10,
+                core.l2 >> 10,
+                zr::detail::HighestLevel() < zr::detail::Level::kAvx512 ? "none"
+                : core.half_width_512                                   ? "in halves"
+                                                                        : "full width");
+  benchmark::AddCustomContext("zr_core", text);
   return true;
 }();
 

@@ -107,14 +107,14 @@ TEST(MatrixKernels, LayoutsStepsAndSeparateStorage) {
         << "case " << &c - cases;
 }
 
-// a * b for sizes at every edge of the register blocks (4 x 4, 6 x 8, 8 x 24), of the
-// packed blocks of a (64, 96, 128 rows) and b (k 256, 680 .. 4080 columns), with one row
-// or column, and with operands of other layouts.
+// a * b for sizes at every edge of the register blocks (4 x 4, 6 x 8, 6 x 32), across the
+// packed blocks, whose sizes follow the caches (k from 64 to 512, rows of a up to 1020,
+// 680 .. 4096 columns of b), with one row or column, and with operands of other layouts.
 TEST(MatrixKernels, ProductsAcrossBlockSizesAndLayouts) {
   const int sizes[][3] = {{1, 1, 2000},  {7, 23, 255}, {9, 25, 257},    {8, 24, 256},
                           {6, 8, 40},    {7, 9, 513},  {13, 47, 300},   {130, 97, 70},
                           {97, 131, 33}, {4, 4100, 3}, {200, 121, 260}, {65, 5, 7},
-                          {1, 700, 5}};
+                          {1, 700, 5},   {1030, 5, 9}};
   for (const auto& s : sizes)
     for (const Fill fill : {kMixed, kWide, kZeros})
       ExpectLevelsAgree([&] {

@@ -49,6 +49,23 @@ ZR_API Level CurrentLevel();
 /// "plain", "portable", "avx2", "avx512".
 ZR_API const char* LevelName(Level level);
 
+/// The core the kernels run on, as far as their blocking cares: its data caches and how
+/// it issues 512-bit operations. Found once, from CPUID on x86-64 (the deterministic cache
+/// leaves: 4 on Intel, 0x8000001D on AMD; sizes per core, shared caches not divided);
+/// elsewhere, or where a leaf is missing, 32 KiB and 1 MiB, the smallest of current
+/// cores, so that blocks sized from them still fit.
+struct CoreInfo {
+  char vendor[13];  // CPUID's vendor text ("" off x86-64)
+  int family;       // display family and model (base plus extended)
+  int model;
+  long l1d;             // bytes of first-level data cache
+  long l2;              // bytes of second-level cache
+  bool half_width_512;  // 512-bit operations run as two 256-bit halves (AMD family 19h)
+};
+
+/// This machine's core (found once).
+ZR_API const CoreInfo& ThisCore();
+
 /// Pins the kernels' level for its lifetime (clamped to HighestLevel()) and restores the
 /// one before when it ends; overrides nest. Process-wide: for tests and benchmarks, which
 /// pin levels from one thread while no other thread runs a kernel.

@@ -37,11 +37,25 @@ struct Blocked {
   using V = typename W::V;
   static constexpr int kWidth = W::kLanes;
   static constexpr int kNR = kNV * kWidth;
-  // A kKC x kNR panel of packed b stays in the first-level cache while the micro-kernel
-  // runs over a kMC x kKC block of packed a held in the second level.
-  static constexpr int kKC = 256;
-  static constexpr int kMC = 16 * kMR;
-  static constexpr int kNC = 170 * kNR;
+  static constexpr int kNC = 170 * kNR < 4096 ? 170 * kNR : 4096 / kNR * kNR;
+
+  // The block sizes, from the caches of the core (found once): a kc x kNR panel of packed
+  // b fills the first-level cache while the micro-kernel runs over an mc x kc block of
+  // packed a that fills half the second level; kNC columns of b make a block for the third.
+  // They decide only where partial sums pass through c, never the order of the sums.
+  struct Sizes {
+    int kc, mc;
+  };
+  static const Sizes& Block() {
+    static const Sizes sizes = [] {
+      const CoreInfo& core = ThisCore();
+      const long kc = Clamp(core.l1d / (kNR * 8L) / 8 * 8, 64, 512);
+      const long mc = Clamp(core.l2 / 2 / (kc * 8) / kMR * kMR, kMR, 1024 / kMR * kMR);
+      return Sizes{static_cast<int>(kc), static_cast<int>(mc)};
+    }();
+    return sizes;
+  }
+  static long Clamp(long v, long lo, long hi) { return v < lo ? lo : v > hi ? hi : v; }
 
   // c(i, j) (i < kMR, j < kNR, c rows ldc apart) from kc products of the packed panels:
   // pa holds kMR values per k step, pb kNR. With first the sum starts at the first
@@ -149,33 +163,35 @@ struct Blocked {
   }
 
   // The doubles of packed a Run needs, then those of packed b.
-  static long long PackedA(int m, int k) {
-    const int mc = m < kMC ? m : kMC;
-    return static_cast<long long>((mc + kMR - 1) / kMR * kMR) * (k < kKC ? k : kKC);
+  static long long PackedA(int m, int k, const Sizes& z) {
+    const int mc = m < z.mc ? m : z.mc;
+    return static_cast<long long>((mc + kMR - 1) / kMR * kMR) * (k < z.kc ? k : z.kc);
   }
-  static long long Workspace(int m, int n, int k) {
+  static long long Workspace(int m, int n, int k, const Sizes& z) {
     const int nc = n < kNC ? n : kNC;
-    return PackedA(m, k) + static_cast<long long>((nc + kNR - 1) / kNR * kNR) * (k < kKC ? k : kKC);
+    return PackedA(m, k, z) +
+           static_cast<long long>((nc + kNR - 1) / kNR * kNR) * (k < z.kc ? k : z.kc);
   }
 
   // The product on m, n, k >= 1 into c (rows ldc apart); with upper only the elements
   // with j >= i.
   static void Run(int m, int n, int k, const Operand& a, const Operand& b, double* c, long long ldc,
                   bool upper) {
-    const Scratch<double> work(static_cast<std::uint64_t>(Workspace(m, n, k)));
+    const Sizes& z = Block();
+    const Scratch<double> work(static_cast<std::uint64_t>(Workspace(m, n, k, z)));
     double* const packed_a = work.get();
-    double* const packed_b = packed_a + PackedA(m, k);
+    double* const packed_b = packed_a + PackedA(m, k, z);
     alignas(64) double edge[kMR * kNR] = {};
     for (int jc = 0; jc < n; jc += kNC) {
       const int nc = n - jc < kNC ? n - jc : kNC;
       // With upper, no row below the block's last column is needed.
       const int m_end = upper && jc + nc < m ? jc + nc : m;
-      for (int pc = 0; pc < k; pc += kKC) {
-        const int kc = k - pc < kKC ? k - pc : kKC;
+      for (int pc = 0; pc < k; pc += z.kc) {
+        const int kc = k - pc < z.kc ? k - pc : z.kc;
         const bool first = pc == 0;
         PackB(b, pc, kc, jc, nc, packed_b);
-        for (int ic = 0; ic < m_end; ic += kMC) {
-          const int mc = m_end - ic < kMC ? m_end - ic : kMC;
+        for (int ic = 0; ic < m_end; ic += z.mc) {
+          const int mc = m_end - ic < z.mc ? m_end - ic : z.mc;
           PackA(a, ic, mc, pc, kc, packed_a);
           for (int jr = 0; jr < nc; jr += kNR) {
             const int cols = nc - jr < kNR ? nc - jr : kNR;
@@ -219,11 +235,12 @@ ZR_TARGET_AVX2 ZR_KERNEL_ENTRY void RunAvx2(int m, int n, int k, const Operand& 
                                             double* c, long long ldc, bool upper) {
   Blocked<Avx2, 6, 2>::Run(m, n, k, a, b, c, ldc, upper);
 }
-// 24 accumulators and 3 vectors of b leave 5 of the 32 registers for products.
+// 24 accumulators, 4 vectors of b, a broadcast and a product: 30 of the 32 registers.
+// Six broadcasts feed 24 multiplies, where 8 rows by 3 vectors needed eight.
 ZR_TARGET_AVX512 ZR_KERNEL_ENTRY void RunAvx512(int m, int n, int k, const Operand& a,
                                                 const Operand& b, double* c, long long ldc,
                                                 bool upper) {
-  Blocked<Avx512, 8, 3>::Run(m, n, k, a, b, c, ldc, upper);
+  Blocked<Avx512, 6, 4>::Run(m, n, k, a, b, c, ldc, upper);
 }
 #endif
 
