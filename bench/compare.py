@@ -333,6 +333,8 @@ def machine(context):
                      "multiply-adds may exceed it on a core whose multiplies and adds share their "
                      "units." % (float(context["zr_peak_gflops"]),
                                                 context.get("zr_peak_path", "?")))
+    if "zr_core" in context:
+        lines.append("Core, as zr's kernels read it: %s." % context["zr_core"])
     if "peer_openblas_core" in context:
         forced = context.get("peer_openblas_coretype")
         lines.append("OpenBLAS kernels: %s (%s)." % (
