@@ -203,18 +203,30 @@ int PanelImpl(State& s, int k0, int k1) {
   for (int k = k0; k < k1; ++k) {
     const int kc = k - k0;
     double* const col = t + kc * ld;
-    // The exchange is made during the scan.
+    // The exchange is made during the scan. A whole vector of magnitudes none of which
+    // exceeds the best so far holds no exchange and is passed over.
     double best = std::fabs(col[kc]);
-    for (int i = kc + 1; i < count; ++i) {
-      const double v = std::fabs(col[i]);
-      if (v > best) {
-        std::swap(s.perm[k], s.perm[k0 + i]);
-        for (int c = 0; c < bw; ++c) {
-          std::swap(t[c * ld + kc], t[c * ld + i]);
-          std::swap(t[(kBase + c) * ld + kc], t[(kBase + c) * ld + i]);
+    W::Set(pm, best);
+    for (int i = kc + 1; i < count;) {
+      if (i + L <= count) {
+        W::Load(x, col + i);
+        if (!W::AnyAbsAbove(x, pm)) {
+          i += L;
+          continue;
         }
-        best = v;
       }
+      for (const int end = i + L < count ? i + L : count; i < end; ++i) {
+        const double v = std::fabs(col[i]);
+        if (v > best) {
+          std::swap(s.perm[k], s.perm[k0 + i]);
+          for (int c = 0; c < bw; ++c) {
+            std::swap(t[c * ld + kc], t[c * ld + i]);
+            std::swap(t[(kBase + c) * ld + kc], t[(kBase + c) * ld + i]);
+          }
+          best = v;
+        }
+      }
+      W::Set(pm, best);
     }
     const double p = col[kc];
     if (p == 0) {

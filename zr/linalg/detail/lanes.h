@@ -50,6 +50,12 @@ struct Portable {
   static void SetWhereNonZero(V& x, const V& l, const V& y) {
     for (int i = 0; i < kLanes; ++i) x.d[i] = l.d[i] != 0 ? y.d[i] : x.d[i];
   }
+  // Whether some lane's magnitude compares greater than the same lane of b (never for NaN).
+  static bool AnyAbsAbove(const V& v, const V& b) {
+    bool any = false;
+    for (int i = 0; i < kLanes; ++i) any |= (v.d[i] < 0 ? -v.d[i] : v.d[i]) > b.d[i];
+    return any;
+  }
 };
 
 #if ZR_X86_KERNELS
@@ -70,6 +76,10 @@ struct Avx2 {
   ZR_TARGET_AVX2 static void SetWhereNonZero(V& x, const V& l, const V& y) {
     x = _mm256_blendv_pd(x, y, _mm256_cmp_pd(l, _mm256_setzero_pd(), _CMP_NEQ_UQ));
   }
+  ZR_TARGET_AVX2 static bool AnyAbsAbove(const V& v, const V& b) {
+    const V abs = _mm256_andnot_pd(_mm256_set1_pd(-0.0), v);
+    return _mm256_movemask_pd(_mm256_cmp_pd(abs, b, _CMP_GT_OQ)) != 0;
+  }
 };
 
 struct Avx512 {
@@ -78,6 +88,9 @@ struct Avx512 {
   ZR_DETAIL_LANES(ZR_TARGET_AVX512, _mm512)
   ZR_TARGET_AVX512 static void SetWhereNonZero(V& x, const V& l, const V& y) {
     x = _mm512_mask_blend_pd(_mm512_cmp_pd_mask(l, _mm512_setzero_pd(), _CMP_NEQ_UQ), x, y);
+  }
+  ZR_TARGET_AVX512 static bool AnyAbsAbove(const V& v, const V& b) {
+    return _mm512_cmp_pd_mask(_mm512_abs_pd(v), b, _CMP_GT_OQ) != 0;
   }
 };
 #undef ZR_DETAIL_LANES
