@@ -108,7 +108,7 @@ TEST(MatrixKernels, LayoutsStepsAndSeparateStorage) {
 }
 
 // a * b for sizes at every edge of the register blocks (4 x 4, 6 x 8, 6 x 32), across the
-// packed blocks, whose sizes follow the caches (k from 64 to 512, rows of a up to 1020,
+// packed blocks, whose sizes follow the caches (k from 64 to 256, rows of a up to 1020,
 // 680 .. 4096 columns of b), with one row or column, and with operands of other layouts.
 TEST(MatrixKernels, ProductsAcrossBlockSizesAndLayouts) {
   const int sizes[][3] = {{1, 1, 2000},  {7, 23, 255}, {9, 25, 257},    {8, 24, 256},

@@ -44,15 +44,16 @@ struct Blocked {
   // half the second-level cache; kNC columns of b make a block for the third. The panel of
   // b may exceed the first level by a third: what misses streams from the second level at
   // about 11 bytes a cycle, well under its bandwidth, and a longer k passes c fewer times
-  // (on a 48 KiB first level, k = 256 ran 2-5% faster than 96 or 128). The sizes decide only
-  // where partial sums pass through c, never the order of the sums.
+  // (on a 48 KiB first level, k = 256 ran 2-5% faster than 96 or 128); k stays at most 256,
+  // where the narrower blocks always were. The sizes decide only where partial sums pass
+  // through c, never the order of the sums.
   struct Sizes {
     int kc, mc;
   };
   static const Sizes& Block() {
     static const Sizes sizes = [] {
       const CoreInfo& core = ThisCore();
-      const long kc = Clamp(core.l1d * 4 / 3 / (kNR * 8L) / 8 * 8, 64, 512);
+      const long kc = Clamp(core.l1d * 4 / 3 / (kNR * 8L) / 8 * 8, 64, 256);
       const long mc = Clamp(core.l2 / 2 / (kc * 8) / kMR * kMR, kMR, 1024 / kMR * kMR);
       return Sizes{static_cast<int>(kc), static_cast<int>(mc)};
     }();
