@@ -1,9 +1,12 @@
 #include "zr/curves/contour.h"
 
+#include <algorithm>
 #include <cmath>
 #include <limits>
 
 #include "zr/arrays/simple_array_impl.h"
+#include "zr/core/detail/allocator.h"
+#include "zr/core/detail/machine.h"
 
 namespace {
 
@@ -38,6 +41,90 @@ double Heron(const zrVec2& u, const zrVec2& v, const zrVec2& w, double lift) {
 // before is the distance of the point before start.
 bool TestEdge(double dp, double d, double before) {
   return dp * d < 0.0 || (dp > 0.0 && d == 0.0) || (dp == 0.0 && d > 0.0 && before < 0.0);
+}
+
+// The alignment by the band measure, below quadratic cost where the measure allows it.
+//
+// MakeCoherentS keeps the earliest rotation of the smallest band measure, with the odd
+// rules of its loop: the first rotation is always taken, a NaN first measure is kept, a
+// later NaN never replaces, and a measure of exactly 0 lets the next rotation replace it.
+// Each measure is an ordered sum, so a winner can only be proved by the exact sums. The
+// terms are Heron areas, never negative (a rounding that makes one NaN makes the sum NaN),
+// and fl(s + x) >= s for x >= 0: a partial sum only grows, and a rotation whose partial
+// sum / 2 already exceeds the best measure (or equals it, for a later rotation) cannot win
+// and is abandoned. The rotations are tried best-looking first, ranked by the terms at
+// kSamples evenly spaced indices, so the best measure is found early and most others end
+// after part of their sum. The first rotation is summed first and in full: when its measure
+// is NaN or 0, or when a later one turns out exactly 0, the plain loop runs instead.
+//
+// The gain depends on the shapes. The lift 100 puts a floor of about 43 under every term,
+// so on contours whose coordinates are small against 10 all rotations measure within a few
+// per cent of each other and each is abandoned only late: the cost stays quadratic. On
+// contours of larger extent (pixel coordinates) a misaligned rotation's terms soon outgrow
+// the best one's sum, and only the few rotations near the best are summed in full.
+constexpr int kMinRotations = 32;
+constexpr int kSamples = 16;
+
+// The band measure of rotation r of p (r points moved from the front to the back) against
+// q, summed as GetTriS sums it on the rotated copy. Returns false as soon as the partial
+// measure is NaN, or above best, or equal to it when `later` (a tie with an earlier
+// rotation loses); else v receives the measure.
+bool RotationMeasure(const zrSimpleContour2D& p, const zrSimpleContour2D& q, int r, double best,
+                     bool later, double& v) {
+  const int n = p.Len();
+  double sum = 0.0;
+  int a = r;
+  for (int i = 0; i < n; ++i) {
+    const int a1 = a + 1 == n ? 0 : a + 1;
+    const int i1 = i + 1 == n ? 0 : i + 1;
+    sum += Heron(p[a], q[i], q[i1], 100.0);
+    sum += Heron(p[a], p[a1], q[i1], 100.0);
+    const double half = sum / 2.0;
+    if (half > best || std::isnan(half) || (later && half == best)) return false;
+    a = a1;
+  }
+  v = sum / 2.0;
+  return true;
+}
+
+// The rotation MakeCoherentS keeps, for p already oriented as q; false when the fast path
+// does not apply or meets an odd case (the caller runs the plain loop).
+bool BestRotation(const zrSimpleContour2D& p, const zrSimpleContour2D& q, int& kept) {
+  using zr::detail::Level;
+  const int n = p.Len();
+  if (zr::detail::CurrentLevel() == Level::kPlain || n < kMinRotations) return false;
+  double best = 0.0;
+  const double inf = std::numeric_limits<double>::infinity();
+  if (!RotationMeasure(p, q, 0, inf, false, best) || best == 0.0) return false;
+  struct Rank {
+    double estimate;
+    int r;
+  };
+  zr::detail::Vector<Rank> order(static_cast<std::size_t>(n - 1));
+  for (int r = 1; r < n; ++r) {
+    double e = 0.0;
+    for (int k = 0; k < kSamples; ++k) {
+      const int i = static_cast<int>(static_cast<long long>(k) * n / kSamples);
+      const int i1 = (i + 1) % n;
+      const int a = (i + r) % n;
+      e += Heron(p[a], q[i], q[i1], 100.0) + Heron(p[a], p[(a + 1) % n], q[i1], 100.0);
+    }
+    order[r - 1] = Rank{std::isnan(e) ? inf : e, r};
+  }
+  std::sort(order.begin(), order.end(), [](const Rank& x, const Rank& y) {
+    return x.estimate < y.estimate || (x.estimate == y.estimate && x.r < y.r);
+  });
+  kept = 0;
+  for (const Rank& c : order) {
+    double v = 0.0;
+    if (!RotationMeasure(p, q, c.r, best, c.r > kept, v)) continue;
+    if (v == 0.0) return false;
+    if (v < best || (v == best && c.r < kept)) {
+      best = v;
+      kept = c.r;
+    }
+  }
+  return true;
 }
 
 }  // namespace
@@ -199,8 +286,12 @@ void zrSimpleContour2D::MakeCoherentS(const zrSimpleContour2D& other) {
   if (n == 0) return;
   SetOrient(other.GetOrient());
   zrSimpleContour2D work(*this);
-  double best = 0.0;
   int kept = 0;
+  if (BestRotation(work, other, kept)) {
+    CycleLeftShift(kept);
+    return;
+  }
+  double best = 0.0;
   for (int r = 0; r < n; ++r) {
     const double v = work.GetTriS(other);
     if (best == 0.0 || v < best) {
