@@ -51,15 +51,20 @@ bool TestEdge(double dp, double d, double before) {
 // and fl(s + x) >= s for x >= 0: a partial sum only grows, and a rotation whose partial
 // sum / 2 already exceeds the best measure (or equals it, for a later rotation) cannot win
 // and is abandoned. The rotations are tried from the one that pairs the nearest points
-// outward, so a good measure is found early and the others end after part of their sum. The first
-// rotation is summed first and in full: when its measure is NaN or 0, or when a later one turns out
-// exactly 0, the plain loop runs instead.
+// outward, so a good measure is found early and the others end after part of their sum.
+// Rotation 0 is summed first and in full: when its measure is NaN or 0, or when a later
+// one turns out exactly 0, the plain loop runs instead. Otherwise the loop's result is the
+// earliest rotation of the smallest measure that is not NaN, which is what is kept.
 //
 // The gain depends on the shapes. The lift 100 puts a floor of about 43 under every term,
-// so on contours whose coordinates are small against 10 all rotations measure within a few
-// per cent of each other and each is abandoned only late: the cost stays quadratic. On
-// contours of larger extent (pixel coordinates) a misaligned rotation's terms soon outgrow
-// the best one's sum, and only the few rotations near the best are summed in full.
+// so on contours whose extent is small against 10 all rotations measure within a few per
+// cent of each other and are abandoned only near the end of their sums: no gain. On wider
+// contours (pixel coordinates) a rotation k points away from the best gives up after about
+// n (d / (k h))^2 terms, d being the distance between the two outlines and h the spacing of
+// the points, so the rotations within d / h points of the best are summed nearly in full:
+// about n^2 d / L terms in all, L the perimeter. That is still quadratic as the sampling
+// gets finer, a small share of n^2 when the outlines nearly match. Proving the winner
+// needs every competing rotation's exact sum, so no faster order can remove that part.
 constexpr int kMinRotations = 32;
 
 // The band measure of rotation r of p (r points moved from the front to the back) against

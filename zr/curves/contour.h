@@ -119,6 +119,8 @@ class ZR_API zrSimpleContour2D : public zrCurve2D {
   /// replaces the best also while the best is exactly 0. The rotations are measured on a
   /// private copy, so the points of this contour are rotated once, at the end. Two empty
   /// contours are left as they are.
+  /// Cost: up to n^2 band terms; rotations that cannot win are abandoned part-way (see
+  /// contour.cpp), which saves most of them on widely spread shapes but not on small ones.
   void MakeCoherentS(const zrSimpleContour2D& other);
 
   /// The part of the contour on the non-negative side of line (line.GetDist(point) >= 0,
