@@ -341,9 +341,8 @@ int main(int argc, char** argv) {
   Add("beta_tube_build", BetaTubeBuild, kLinear, 100);
   Add("contour_cut", ContourCut, kLinear, 10000);
   Add("contour_to_range", ContourToRange, kLinear, 10000);
-  // MakeCoherent finds nearest points in a k-d tree. MakeCoherentS stays quadratic: every
-  // rotation of these small stars measures within a few per cent of the best, so few are
-  // abandoned early, and the exact ordered sums leave no shortcut.
+  // MakeCoherent finds nearest points in a k-d tree. MakeCoherentS stays quadratic with a
+  // small constant: the rotations within the outlines' gap of the best need their exact sums.
   Add("contour_coherent", ContourCoherent, kNLogN, 100);
   Add("contour_coherent_s", ContourCoherentS, kQuadratic, 100);
   Add("tokenize", Tokenize, kLinear, 10000);
