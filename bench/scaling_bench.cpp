@@ -341,9 +341,9 @@ int main(int argc, char** argv) {
   Add("beta_tube_build", BetaTubeBuild, kLinear, 100);
   Add("contour_cut", ContourCut, kLinear, 10000);
   Add("contour_to_range", ContourToRange, kLinear, 10000);
-  // Both alignments are quadratic by definition: every point of one contour against every
-  // point (MakeCoherent) or every rotation (MakeCoherentS) of the other.
-  Add("contour_coherent", ContourCoherent, kQuadratic, 100);
+  // MakeCoherent finds nearest points in a k-d tree. MakeCoherentS stays quadratic with a
+  // small constant: the rotations within the outlines' gap of the best need their exact sums.
+  Add("contour_coherent", ContourCoherent, kNLogN, 100);
   Add("contour_coherent_s", ContourCoherentS, kQuadratic, 100);
   Add("tokenize", Tokenize, kLinear, 10000);
   Add("concat_blocks", ConcatBlocks, kLinear, 10000);

@@ -1,7 +1,10 @@
 #include <gtest/gtest.h>
 
 #include <initializer_list>
+#include <random>
+#include <vector>
 
+#include "support/levels.h"
 #include "support/points.h"
 #include "zr/zr.h"
 
@@ -126,6 +129,46 @@ TEST(SimpleContour2D, MakeCoherentRotatesReorientsAndMeasuresTheBand) {
   // Around a point with the lift 1: three triangles with sides 1, sqrt(2), sqrt(2).
   EXPECT_NEAR(Probe::PartTriS(sq, sq, sq[2], 2), 0.75 * std::sqrt(1.75), 1e-14);
   EXPECT_EQ(Probe::PartTriS(sq, sq, sq[2], 6), Probe::PartTriS(sq, sq, sq[2], 2));
+}
+
+// Larger contours take the k-d tree and the pruned rotations, which must find the plain
+// loops' points and rotations: random points, turned and reflected copies, duplicated
+// points, equal distances (the same points reflected), equal band measures of rotations
+// that differ (a periodic contour), a NaN point, and a large turned copy.
+TEST(SimpleContour2D, FastAlignmentsAgreeWithThePlainLoops) {
+  std::mt19937 gen(3);
+  std::uniform_real_distribution<double> u(-300, 300);
+  for (int n : {40, 97, 2000})
+    for (int kind = n == 2000 ? 2 : 0; kind < (n == 2000 ? 3 : 6); ++kind) {
+      zrSimpleContour2D a(n), b(n);
+      for (int i = 0; i < n; ++i) {
+        const double t = 2 * M_PI * i / n, r = 200 + 40 * std::sin(5 * t), e = M_PI * i / 4;
+        // An octagon run round n / 8 times; one copy of a vertex has x = -0.0: equal terms.
+        const zrVec2 octagon = zrVec2(std::round(3 * std::cos(e)), std::round(3 * std::sin(e)));
+        a[i] = kind == 3 && i % 2       ? a[i - 1]
+               : kind == 1              ? zrVec2(std::cos(t), std::sin(t))
+               : kind == 4 && i >= 8    ? zrVec2(i == 10 ? -0.0 : a[i - 8].X(), a[i - 8].Y())
+               : kind == 4              ? octagon * 33.0
+               : kind == 2 || kind == 5 ? zrVec2(r * std::cos(t), r * std::sin(t))
+                                        : zrVec2(u(gen), u(gen));
+      }
+      for (int i = 0; i < n; ++i) {
+        const zrVec2 p = a[(i + n / 3) % n];
+        b[i] = kind == 1   ? a[(2 * n - i + 5) % n]
+               : kind == 4 ? a[i ? (i + 2) % n : 7]
+                           : zrVec2(p.X() - 0.03 * p.Y(), 0.03 * p.X() + p.Y()) * 1.05;
+      }
+      if (kind == 5) a[5] = b[0] = zrVec2(NAN, 0);
+      zr_test::ExpectLevelsAgree([&] {
+        zrSimpleContour2D s = a, c = a;
+        int k = -1;
+        std::vector<double> out{static_cast<double>(a.GetIndexOfMaxDistance(k, b)), 1.0 * k};
+        s.MakeCoherentS(b);
+        c.MakeCoherent(b);
+        for (int i = 0; i < n; ++i) out.insert(out.end(), {s[i].X(), s[i].Y(), c[i].X(), c[i].Y()});
+        return out;
+      });
+    }
 }
 
 TEST(SimpleContour2D, CutClipAndArraysOfContours) {

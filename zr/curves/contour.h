@@ -111,7 +111,8 @@ class ZR_API zrSimpleContour2D : public zrCurve2D {
   /// Aligns this contour with other (equal lengths, else the error above): takes other's
   /// orientation, then rotates the points so that the nearest point k of the point j of
   /// other whose nearest distance is largest (GetIndexOfMaxDistance(k, other)) lands on
-  /// index j. Two empty contours are left as they are.
+  /// index j. Two empty contours are left as they are. A zrErrNoMemory from the search
+  /// (see zrCurve2D::GetIndexOfMaxDistance) may come after the orientation was taken.
   void MakeCoherent(const zrSimpleContour2D& other);
   /// Aligns this contour with other (equal lengths): takes other's orientation, then of the
   /// n rotations r (r points moved from the front to the back) keeps the one whose band
@@ -119,6 +120,7 @@ class ZR_API zrSimpleContour2D : public zrCurve2D {
   /// replaces the best also while the best is exactly 0. The rotations are measured on a
   /// private copy, so the points of this contour are rotated once, at the end. Two empty
   /// contours are left as they are.
+  /// Cost: n^2 band terms at most; rotations that cannot win stop early (see contour.cpp).
   void MakeCoherentS(const zrSimpleContour2D& other);
 
   /// The part of the contour on the non-negative side of line (line.GetDist(point) >= 0,

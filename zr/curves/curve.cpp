@@ -2,6 +2,7 @@
 
 #include <cmath>
 
+#include "zr/curves/detail/nearest.h"
 #include "zr/numeric/spline.h"
 
 ZR_DEFINE_TYPE_IDENTITY(zrCurve2D)
@@ -60,7 +61,12 @@ int zrCurve2D::GetIndexOfMaxDistance(double& dist, const zrVec2& p) const {
   return best;
 }
 
+// For each point j of other, its nearest point here; the plain loop measures every pair.
+// The kernel (detail/nearest.h) finds the same j and index through a k-d tree over this
+// curve's points, in expected O((n + m) log n), when both curves are large and finite.
 int zrCurve2D::GetIndexOfMaxDistance(int& index, const zrCurve2D& other) const {
+  int j = 0;
+  if (other.Len() >= 2 && zr::detail::FarthestNearest(*this, other, j, index)) return j;
   double best = 0.0;
   index = GetIndexOfMinDistance(best, other[0]);
   if (other.Len() < 2) return 0;

@@ -68,5 +68,7 @@ class ZR_API zrCurve2D : public zrArray<zrVec2> {
   /// with >) is largest is returned, the first on ties, and index receives the index of
   /// its nearest point here. When other has fewer than two points the result is 0 and index
   /// is the nearest point to other's point 0 (other must not be empty).
+  /// Cost: expected O((n + m) log n) for n, m >= 32 finite points, else n * m.
+  /// The faster search takes scratch memory: zrErrNoMemory when there is none.
   int GetIndexOfMaxDistance(int& index, const zrCurve2D& other) const;
 };
