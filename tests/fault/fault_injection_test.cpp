@@ -138,6 +138,7 @@ struct World {
   C2 square = Of<C2>({{0, 0}, {1, 0}, {1, 1}, {0, 1}});
   C2 hexagon = Of<C2>({{0, 0}, {3, 0}, {4, 2}, {3, 4}, {0, 4}, {-1, 2}});
   C2 turned = Of<C2>({{3, 0}, {0, 0}, {-1, 2}, {0, 4}, {3, 4}, {4, 2}}), viewed = turned;
+  C2 star{40}, star2{40};  // large enough for the alignments' searches
   zrArray<zrVec2> view;
   zrCurve2D loop = hexagon, arc = Of<zrCurve2D>({{0, 0}, {1, 0.1}, {2, 0.4}, {3, 0.9}, {4, 1.6}});
   zrSplineCurve2D arc_spline{arc, 1};
@@ -172,14 +173,18 @@ struct World {
     for (int i = 0; i < 4; ++i) graph.Add(new zrSimpleGraphBranchHead(n[i], n[i + 1], 0));
     graph.Add(new zrSimpleGraphBranchHead(n[2], n[5], 0));
     for (int i = 0; i < 3; ++i) queue.Put(nullptr);
+    for (int i = 0; i < 40; ++i) {
+      star[i] = zrVec2(std::cos(i * 0.157), std::sin(i * 0.157)) * (i % 2 ? 3.0 : 5.0);
+      star2[i] = star[(i + 7) % 40] * 1.1;
+    }
   }
   auto Tie() {
     return std::tie(a, b, bwin, wide, many, few, tokens, s1, s2, token, line, m, m2, mwin, B, rhs,
                     b7, origin, axis, col, band, band9, band2, bandwin, up2, down2, power, p2,
                     points, closed, spline, period, unset, cube, nd, pair, ndwin, ndflip, range,
-                    tab, round, square, hexagon, turned, viewed, view, loop, arc, arc_spline, helix,
-                    net, tube, tube2, tube0, curve, curve9, contour, cuts, zs, graph, queue, ring1,
-                    ring2);
+                    tab, round, square, hexagon, turned, viewed, star, star2, view, loop, arc,
+                    arc_spline, helix, net, tube, tube2, tube0, curve, curve9, contour, cuts, zs,
+                    graph, queue, ring1, ring2);
   }
   std::string Image() {
     return std::apply([](auto&... m) { return (std::string() + ... + Shown(m)); }, Tie());
@@ -280,6 +285,15 @@ const Entry kEntries[] = {
     {"zrArrayND assignment", [](World& s) { s.nd = s.cube; }},
     {"zrArrayND FromMem", [](World& s) { s.pair.FromMem(Flat(s.cube)); }},
     {"zrSimpleContour2D MakeCoherentS", [](World& s) { s.turned.MakeCoherentS(s.hexagon); }, false},
+    {"zrCurve2D GetIndexOfMaxDistance, 40 points",
+     [](World& s) {
+       int k = 0;
+       s.star.GetIndexOfMaxDistance(k, s.star2);
+     }},
+    {"zrSimpleContour2D MakeCoherent, 40 points", [](World& s) { s.star.MakeCoherent(s.star2); },
+     false},
+    {"zrSimpleContour2D MakeCoherentS, 40 points", [](World& s) { s.star2.MakeCoherentS(s.star); },
+     false},
     {"zrSimpleContour2D MakeCoherentS with a window held",
      [](World& s) { s.viewed.MakeCoherentS(s.hexagon); }, false},
     {"zrSplineCurve2D assignment", [](World& s) { s.arc_spline = zrSplineCurve2D(s.loop); }, false},
