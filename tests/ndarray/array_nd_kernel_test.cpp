@@ -86,9 +86,9 @@ std::vector<Layout> Layouts() {
     out.push_back({I(n, 3, n), "s02", ""});
     out.push_back({I(n, 3, n), "f2", "s02 f1"});
   }
-  // Planes longer than the prefetch distance; 185 x 185 goes in block rows of 32 lines; a
-  // window moves the 64-byte boundaries.
-  for (int n : {41, 57, 185}) {
+  // Planes longer than the prefetch distance; 184 x 184 goes in block rows of 32 lines from
+  // the 64-byte boundaries its steps share; a window moves the boundaries.
+  for (int n : {41, 57, 184}) {
     out.push_back({I(n, 2, n), "", "s02"});
     out.push_back({I(n + 2, n + 2, 2), "w0 w1", "s01 w0 w1"});
   }

@@ -245,14 +245,15 @@ bool WalkPair(int n, const int* range, A* pa, const int* ta, B* pb, const int* t
             : static_cast<int>(cb[k - 1] + b[k] - static_cast<std::int64_t>(r[k - 1]) * b[k - 1]);
     count[k] = 0;
   }
-  // Reversed lines stepping up to the next: prefetch distance of about 4 KiB (whole lines).
+  // Reversed lines stepping up to the next: prefetch distance of about 8 KiB (whole lines;
+  // on lines of 2 KiB, 8 KiB ran about 1.1 times as fast as 4 KiB, 16 KiB and 2 KiB slower).
   std::intptr_t aheadA = 0;
   std::intptr_t aheadB = 0;
   if (inner == 1 && m > 1) {
     const auto ahead = [&r](int s0, int s1) -> std::intptr_t {
       if (s0 != -1 || s1 <= 0) return 0;
       const std::intptr_t bytes = static_cast<std::intptr_t>(r[0]) * sizeof(double);
-      const std::intptr_t lines = (4096 + bytes - 1) / bytes;
+      const std::intptr_t lines = (8192 + bytes - 1) / bytes;
       return lines * s1 * static_cast<std::intptr_t>(sizeof(double));
     };
     aheadA = ahead(a[0], a[1]);
