@@ -59,7 +59,8 @@ bool SplineKernels<double>::Cubic(double* records, int n, const SplineEnds<doubl
   // alpha[i] and beta[i] wait in record i's first two coefficient places, and the slope
   // (y_(i+1) - y_i) / h_i in its third: the back substitution reads them just before it
   // writes segment i's coefficients there. A slope is divided out once, for both rows that
-  // use it and for its segment, which needs it too (the divider is what the build waits on).
+  // use it and for its segment, which needs it too (the divider is what the build waits on,
+  // five quotients a row: this file is compiled without pairing them, see CMakeLists.txt).
   records[2] = -ends.up0 / ends.diag0;
   records[3] = ends.d0 / ends.diag0;
   double hPrev = records[kR] - records[0];
