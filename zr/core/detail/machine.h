@@ -52,8 +52,8 @@ ZR_API const char* LevelName(Level level);
 /// The core the kernels run on, as far as their blocking cares: its data caches and how
 /// it issues 512-bit operations. Found once, from CPUID on x86-64 (the deterministic cache
 /// leaves: 4 on Intel, 0x8000001D on AMD; sizes per core, shared caches not divided);
-/// elsewhere, or where a leaf is missing, 32 KiB and 1 MiB, the smallest of current
-/// cores, so that blocks sized from them still fit.
+/// elsewhere, or where a leaf is missing, 32 KiB and 1 MiB. The blocks sized from them
+/// only move where partial sums pass through memory, never a result's bits.
 struct CoreInfo {
   char vendor[13];  // CPUID's vendor text ("" off x86-64)
   int family;       // display family and model (base plus extended)
