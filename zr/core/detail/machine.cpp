@@ -55,7 +55,7 @@ CoreInfo DetectCore() {
     if (base == 15 || base == 6) core.model |= static_cast<int>((a >> 16) & 15u) << 4;
   }
   const unsigned leaf = amd ? 0x8000001Du : 4u;
-  if (__get_cpuid_max(leaf & 0x80000000u, nullptr) >= leaf) {
+  if (static_cast<unsigned>(__get_cpuid_max(leaf & 0x80000000u, nullptr)) >= leaf) {
     if (const long l1 = CacheBytes(leaf, 1)) core.l1d = l1;
     if (const long l2 = CacheBytes(leaf, 2)) core.l2 = l2;
   }
