@@ -147,9 +147,7 @@ void ClosedControl(const BetaSpline& s, const zrVector<V3>& q, zrVector<V3>& out
       a(row, row) += bm1;
       r[row] = q[row];
     }
-    zrColumnVector<V3> xd;
-    a.SolveEquationGaussMethod(xd, r);
-    x = xd;
+    a.SolveEquationGaussMethod(x, r);
   }
   zrVector<V3> ctrl(n + 3);
   for (int c = 0; c < n + 3; ++c) ctrl[c] = x[Wrap(c - 2, n)];
@@ -301,8 +299,8 @@ void BetaCurve::Resample(int m, bool closed, zrVector<V3>& out) const {
   const double L = GetLength() / m;
   const double D = 1.0 / m;
   const int wanted = closed ? m : m - 1;
-  // Gathered aside and handed over in one block of the final size: the vector grows by
-  // exact steps, so appending one sample at a time would copy all the earlier ones.
+  // Gathered aside and handed over in one block of the final size: zrVector grows by exact
+  // steps, so appending one sample at a time would copy all the earlier ones.
   zr::detail::Vector<V3> samples;
   samples.reserve(static_cast<std::size_t>(m));
   double tp = 0;
