@@ -24,12 +24,12 @@
 /// Growth is exact: each length change makes a block of exactly the new length, as its
 /// header counts it. A sole owner of trivially copyable elements whose origin starts its
 /// block and whose length spans it has the block resized where it lies instead; then the
-/// allocation underneath may be larger than the block (with the C library that can tell
-/// its size, growth past the allocation asks for half as much again, and a shrink that
-/// keeps at least half of it keeps it), so a run of push_backs costs amortised constant
-/// time and, while there is room, no call into the library at all. A length that grows past INT_MAX
-/// (Insert, push_back, Concat, Replace, Fusion) is an allocation that cannot be made: it throws
-/// zrErrNoMemory with the byte count of that block, and the array is left as it was.
+/// allocation underneath may be larger than the block (with the C library that can tell its
+/// size, growth past the allocation asks for half as much again, and a shrink that keeps at
+/// least half of it keeps it), so a run of push_backs costs amortised constant time and,
+/// while there is room, no call into the library at all. A length that grows past INT_MAX
+/// (Insert, push_back, Concat, Replace, Fusion) is an allocation that cannot be made: it
+/// throws zrErrNoMemory with the byte count of that block, and the array is left as it was.
 ///
 /// Elements of class type are default-constructed with their block and destroyed with it;
 /// they are copied with their own assignment. Elements of trivial types are left
